@@ -1,0 +1,6 @@
+# Third-party libraries, all from Debian packages. The same lookups run again in the
+# installed package configuration so that consumers get the same targets.
+find_package(ICU 70 REQUIRED COMPONENTS uc i18n data)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(PLIST REQUIRED IMPORTED_TARGET GLOBAL libplist-2.0)
+find_package(Threads REQUIRED)

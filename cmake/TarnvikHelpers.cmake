@@ -1,0 +1,31 @@
+# tarnvik_add_component(<name> SOURCES ... HEADERS ... [PUBLIC_DEPS ...] [PRIVATE_DEPS ...])
+# Declares one layer or subsystem library, tarnvik::<name>, with its public headers as a
+# header file set (installed from that set) and the project's warning flags.
+function(tarnvik_add_component name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;PUBLIC_DEPS;PRIVATE_DEPS" ${ARGN})
+  set(target tarnvik_${name})
+  add_library(${target} ${ARG_SOURCES})
+  add_library(tarnvik::${name} ALIAS ${target})
+  target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/src
+                 FILES ${ARG_HEADERS})
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Werror)
+  set_target_properties(${target} PROPERTIES EXPORT_NAME ${name} POSITION_INDEPENDENT_CODE ON)
+  target_link_libraries(${target} PUBLIC ${ARG_PUBLIC_DEPS} PRIVATE ${ARG_PRIVATE_DEPS})
+  install(TARGETS ${target} EXPORT TarnvikExtensionsTargets
+          ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+          LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+          FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  set_property(GLOBAL APPEND PROPERTY TARNVIK_COMPONENTS ${target})
+endfunction()
+
+# tarnvik_add_test(<name> SOURCES ... DEPS ...)
+# One GoogleTest executable, registered with CTest case by case.
+function(tarnvik_add_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_compile_options(${name} PRIVATE -Wall -Wextra -Werror)
+  target_link_libraries(${name} PRIVATE ${ARG_DEPS} GTest::gtest GTest::gmock GTest::gtest_main)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
+                       PROPERTIES ENVIRONMENT "TARNVIK_TEST_DATA=${CMAKE_CURRENT_SOURCE_DIR}")
+endfunction()

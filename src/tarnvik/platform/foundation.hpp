@@ -1,0 +1,21 @@
+// Everything the platform layer offers, in one include.
+//
+//   #include "tarnvik/platform/foundation.hpp"
+//   tarnvik::String s = tarnvik::stringWithFormat(u"%@ %d", u"take", 3);
+#pragma once
+
+#include "tarnvik/platform/array.hpp"
+#include "tarnvik/platform/bundle.hpp"
+#include "tarnvik/platform/character_set.hpp"
+#include "tarnvik/platform/data.hpp"
+#include "tarnvik/platform/date.hpp"
+#include "tarnvik/platform/dictionary.hpp"
+#include "tarnvik/platform/error.hpp"
+#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/log.hpp"
+#include "tarnvik/platform/object.hpp"
+#include "tarnvik/platform/scanner.hpp"
+#include "tarnvik/platform/set.hpp"
+#include "tarnvik/platform/string.hpp"
+#include "tarnvik/platform/types.hpp"
+#include "tarnvik/platform/value.hpp"

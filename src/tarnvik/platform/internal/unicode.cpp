@@ -1,0 +1,179 @@
+#include "tarnvik/platform/internal/unicode.hpp"
+
+#include <unicode/uchar.h>
+#include <unicode/ustring.h>
+#include <unicode/utf16.h>
+#include <unicode/utf8.h>
+
+#include <locale.h>
+#include <stdlib.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace tarnvik::unicode {
+
+std::u16string fromUTF8(std::string_view utf8, bool lossy, bool* valid) {
+  std::u16string out;
+  out.reserve(utf8.size());
+  const auto* bytes = reinterpret_cast<const std::uint8_t*>(utf8.data());
+  const auto length = static_cast<std::int32_t>(
+      std::min<std::size_t>(utf8.size(), std::numeric_limits<std::int32_t>::max()));
+  std::int32_t i = 0;
+  while (i < length) {
+    if (bytes[i] < 0x80) {
+      out.push_back(bytes[i++]);
+      continue;
+    }
+    UChar32 c;
+    U8_NEXT(bytes, i, length, c);
+    if (c < 0) {
+      if (!lossy) {
+        if (valid) *valid = false;
+        return {};
+      }
+      c = 0xFFFD;
+    }
+    appendCodePoint(out, static_cast<char32_t>(c));
+  }
+  return out;
+}
+
+std::string toUTF8(std::u16string_view utf16) {
+  std::string out;
+  out.reserve(utf16.size());
+  const std::size_t length = utf16.size();
+  for (std::size_t i = 0; i < length;) {
+    char16_t unit = utf16[i];
+    if (unit < 0x80) {
+      out.push_back(static_cast<char>(unit));
+      ++i;
+      continue;
+    }
+    UChar32 c;
+    U16_NEXT(utf16.data(), i, length, c);
+    if (U_IS_SURROGATE(c)) c = 0xFFFD;
+    char buffer[4];
+    std::int32_t n = 0;
+    U8_APPEND_UNSAFE(buffer, n, c);
+    out.append(buffer, static_cast<std::size_t>(n));
+  }
+  return out;
+}
+
+void appendCodePoint(std::u16string& out, char32_t codePoint) {
+  if (codePoint > 0x10FFFF) codePoint = 0xFFFD;
+  if (codePoint <= 0xFFFF) {
+    out.push_back(static_cast<char16_t>(codePoint));
+  } else {
+    out.push_back(static_cast<char16_t>(U16_LEAD(codePoint)));
+    out.push_back(static_cast<char16_t>(U16_TRAIL(codePoint)));
+  }
+}
+
+std::u16string mapCase(std::u16string_view text, CaseMapping mapping) {
+  if (text.empty()) return {};
+  const auto length = static_cast<std::int32_t>(text.size());
+  auto run = [&](char16_t* dest, std::int32_t capacity, UErrorCode* status) {
+    return mapping == CaseMapping::Upper
+               ? u_strToUpper(dest, capacity, text.data(), length, "", status)
+               : u_strToLower(dest, capacity, text.data(), length, "", status);
+  };
+  std::u16string out(text.size() + 8, u'\0');
+  UErrorCode status = U_ZERO_ERROR;
+  std::int32_t needed = run(out.data(), static_cast<std::int32_t>(out.size()), &status);
+  if (status == U_BUFFER_OVERFLOW_ERROR) {
+    out.assign(static_cast<std::size_t>(needed), u'\0');
+    status = U_ZERO_ERROR;
+    needed = run(out.data(), needed, &status);
+  }
+  if (U_FAILURE(status)) return std::u16string(text);
+  out.resize(static_cast<std::size_t>(needed));
+  return out;
+}
+
+std::size_t skipWhitespace(std::u16string_view text, std::size_t from) {
+  while (from < text.size()) {
+    const char16_t c = text[from];
+    const bool space = (c >= 0x09 && c <= 0x0D) || c == 0x85 ||
+                       (c >= 0x80 && !U16_IS_SURROGATE(c) && u_isUWhiteSpace(c)) || c == u' ';
+    if (!space) break;
+    ++from;
+  }
+  return from;
+}
+
+std::int64_t parseInteger(std::u16string_view text, std::int64_t min, std::int64_t max,
+                          std::size_t* end, std::size_t from) {
+  std::size_t i = skipWhitespace(text, from);
+  bool negative = false;
+  if (i < text.size() && (text[i] == u'+' || text[i] == u'-')) negative = text[i++] == u'-';
+  const std::size_t digitsStart = i;
+  // Accumulate as a negative number so that the minimum needs no special case.
+  std::int64_t value = 0;
+  bool clamped = false;
+  for (; i < text.size() && text[i] >= u'0' && text[i] <= u'9'; ++i) {
+    const int digit = text[i] - u'0';
+    if (clamped) continue;
+    if (value < (std::numeric_limits<std::int64_t>::min() + digit) / 10) {
+      clamped = true;
+      continue;
+    }
+    value = value * 10 - digit;
+  }
+  if (i == digitsStart) {
+    if (end) *end = 0;
+    return 0;
+  }
+  if (end) *end = i;
+  if (clamped) return negative ? min : max;
+  if (!negative) {
+    if (value == std::numeric_limits<std::int64_t>::min()) return max;
+    value = -value;
+  }
+  return value < min ? min : (value > max ? max : value);
+}
+
+double parseDouble(std::u16string_view text, std::size_t* end, std::size_t from) {
+  std::size_t i = skipWhitespace(text, from);
+  std::string token;
+  bool negative = false;
+  if (i < text.size() && (text[i] == u'+' || text[i] == u'-')) negative = text[i++] == u'-';
+  auto isDigit = [&](std::size_t at) { return at < text.size() && text[at] >= u'0' && text[at] <= u'9'; };
+  std::size_t digits = 0;
+  for (; isDigit(i); ++i, ++digits) token.push_back(static_cast<char>(text[i]));
+  if (i < text.size() && text[i] == u'.') {
+    std::size_t j = i + 1;
+    std::string fraction;
+    for (; isDigit(j); ++j) fraction.push_back(static_cast<char>(text[j]));
+    if (digits > 0 || !fraction.empty()) {
+      token += '.';
+      token += fraction;
+      digits += fraction.size();
+      i = j;
+    }
+  }
+  if (digits == 0) {
+    if (end) *end = 0;
+    return 0.0;
+  }
+  if (i < text.size() && (text[i] == u'e' || text[i] == u'E')) {
+    std::size_t j = i + 1;
+    std::string exponent = "e";
+    if (j < text.size() && (text[j] == u'+' || text[j] == u'-')) {
+      exponent.push_back(static_cast<char>(text[j++]));
+    }
+    if (isDigit(j)) {
+      for (; isDigit(j); ++j) exponent.push_back(static_cast<char>(text[j]));
+      token += exponent;
+      i = j;
+    }
+  }
+  if (end) *end = i;
+  // strtod in the C locale gives HUGE_VAL on overflow and 0 (or a denormal) on underflow.
+  static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", locale_t(nullptr));
+  const double value = strtod_l(token.c_str(), nullptr, cLocale);
+  return negative ? -value : value;
+}
+
+}  // namespace tarnvik::unicode

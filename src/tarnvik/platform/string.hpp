@@ -1,0 +1,145 @@
+// String: UTF-16 text with nil and empty kept apart, the platform's search, case and
+// numeric readings, and the Range type that indexes it.
+//
+//   String name = u"A001C009.mov";
+//   Range digits = name.rangeOfString(u"C0");   // {4, 2}
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "tarnvik/platform/types.hpp"
+
+namespace tarnvik {
+
+class Array;
+class CharacterSet;
+
+// A cheap-to-copy handle to shared, copy-on-write UTF-16 storage. A default-constructed
+// String is nil; String(u"") is empty. Lengths, indexes and ranges count UTF-16 units.
+// Operations that take an index or range raise NSRangeException when it lies outside the
+// receiver. Reading a nil String behaves like reading an empty one.
+class String {
+ public:
+  String() = default;
+  // UTF-8 text; invalid sequences become U+FFFD. A null pointer gives nil.
+  String(const char* utf8);  // NOLINT(google-explicit-constructor)
+  String(const char16_t* utf16);  // NOLINT(google-explicit-constructor)
+  String(std::u16string units);  // NOLINT(google-explicit-constructor)
+  String(std::u16string_view units);  // NOLINT(google-explicit-constructor)
+  String(const std::string& utf8);  // NOLINT(google-explicit-constructor)
+
+  // Strict UTF-8 decoding: nil when the bytes are not valid UTF-8.
+  static String fromUTF8(std::string_view utf8);
+  // Lenient decoding: invalid sequences become U+FFFD.
+  static String fromUTF8Lossy(std::string_view utf8);
+  static String withCharacters(const char16_t* units, UInteger length);
+  static String withCodePoint(char32_t codePoint);
+  static String fromStorage(const std::shared_ptr<void>& storage) {
+    String s;
+    s.storage_ = std::static_pointer_cast<std::u16string>(storage);
+    return s;
+  }
+  const std::shared_ptr<std::u16string>& storage() const { return storage_; }
+
+  bool isNil() const { return !storage_; }
+  bool isEmpty() const { return length() == 0; }
+  UInteger length() const { return storage_ ? storage_->size() : 0; }
+  // NSRangeException when index >= length().
+  char16_t characterAtIndex(UInteger index) const;
+  std::u16string_view units() const {
+    return storage_ ? std::u16string_view(*storage_) : std::u16string_view();
+  }
+  // UTF-8; unpaired surrogates become U+FFFD. Empty for nil.
+  std::string utf8() const;
+  bool isIdenticalTo(const String& other) const { return storage_ == other.storage_; }
+
+  // Substrings (NSRangeException when outside the receiver). A nil receiver gives nil.
+  String substringFromIndex(UInteger from) const;
+  String substringToIndex(UInteger to) const;
+  String substringWithRange(Range range) const;
+
+  // Literal unit comparisons; an empty argument is never a prefix or suffix.
+  bool hasPrefix(const String& prefix) const;
+  bool hasSuffix(const String& suffix) const;
+  bool isEqualToString(const String& other) const;
+  std::size_t hash() const;
+
+  // Literal (unit by unit) ordering; nil sorts like the empty string.
+  ComparisonResult compare(const String& other) const;
+  ComparisonResult caseInsensitiveCompare(const String& other) const;
+
+  // Search with NSCaseInsensitiveSearch (simple Unicode case folding per unit),
+  // NSLiteralSearch, NSBackwardsSearch and NSAnchoredSearch. {NSNotFound, 0} when absent
+  // or when the searched-for string is empty.
+  Range rangeOfString(const String& target, UInteger options = 0) const;
+  Range rangeOfString(const String& target, UInteger options, Range range) const;
+  // The first (or, backwards, last) unit in the range that belongs to the set.
+  Range rangeOfCharacterFromSet(const CharacterSet& set, UInteger options = 0) const;
+  Range rangeOfCharacterFromSet(const CharacterSet& set, UInteger options, Range range) const;
+  bool containsString(const String& other) const;
+
+  String stringByAppendingString(const String& other) const;
+  String stringByReplacingOccurrencesOfString(const String& target, const String& replacement,
+                                              UInteger options = 0) const;
+  String stringByReplacingOccurrencesOfString(const String& target, const String& replacement,
+                                              UInteger options, Range range) const;
+  String stringByReplacingCharactersInRange(Range range, const String& replacement) const;
+  String stringByTrimmingCharactersInSet(const CharacterSet& set) const;
+  // An empty separator yields an array holding the receiver.
+  Array componentsSeparatedByString(const String& separator) const;
+  Array componentsSeparatedByCharactersInSet(const CharacterSet& set) const;
+
+  // Case mapping through ICU in the root locale.
+  String uppercaseString() const;
+  String lowercaseString() const;
+  // Each word's first letter title-cased, the rest lower-cased; words are delimited by
+  // whitespace and line breaks.
+  String capitalizedString() const;
+
+  // Numeric readings: leading whitespace and newlines are skipped, then an optional sign
+  // and ASCII digits are read; trailing text is ignored; 0 when no number starts there.
+  // Integer readings saturate at their type's bounds; doubleValue gives +-HUGE_VAL on
+  // overflow and 0 on underflow.
+  Integer integerValue() const;
+  long long longLongValue() const;
+  int intValue() const;
+  double doubleValue() const;
+  float floatValue() const;
+  // YES when, after whitespace, an optional sign and leading zeros, the text starts with
+  // 'Y', 'y', 'T', 't' or a digit 1-9.
+  bool boolValue() const;
+
+  // Changing the receiver (it detaches from other copies; a nil receiver becomes empty).
+  void appendString(const String& other);
+  void appendCharacters(const char16_t* units, UInteger length);
+  void insertString(const String& other, UInteger index);
+  void deleteCharactersInRange(Range range);
+  void replaceCharactersInRange(Range range, const String& replacement);
+  UInteger replaceOccurrencesOfString(const String& target, const String& replacement,
+                                      UInteger options, Range range);
+  void setString(const String& other);
+
+  friend bool operator==(const String& a, const String& b) { return a.isEqualToString(b); }
+
+ private:
+  std::u16string& mutableUnits();
+  std::shared_ptr<std::u16string> storage_;
+};
+
+using MutableString = String;
+
+// Raises NSRangeException when the range does not lie within a text of the given length.
+void checkRangeInLength(Range range, UInteger length, const char* operation);
+
+}  // namespace tarnvik
+
+template <>
+struct std::hash<tarnvik::String> {
+  std::size_t operator()(const tarnvik::String& s) const { return s.hash(); }
+};
+
+// Split, join and the other operations that answer collections need the collection types.
+#include "tarnvik/platform/array.hpp"  // IWYU pragma: export
