@@ -12,6 +12,8 @@ struct Membership {
   bool member;
 };
 
+void PrintTo(const Membership& c, std::ostream* out) { *out << c.name; }
+
 class CharacterSetMembership : public ::testing::TestWithParam<Membership> {};
 
 TEST_P(CharacterSetMembership, AnswersPerUnit) {

@@ -63,6 +63,8 @@ struct SearchCase {
   Range expected;
 };
 
+void PrintTo(const SearchCase& c, std::ostream* out) { *out << c.name; }
+
 class StringSearch : public ::testing::TestWithParam<SearchCase> {};
 
 TEST_P(StringSearch, FindsTheExpectedRange) {
@@ -139,6 +141,8 @@ struct NumberCase {
   double real;
   bool boolean;
 };
+
+void PrintTo(const NumberCase& c, std::ostream* out) { *out << String(c.text).utf8(); }
 
 class StringNumbers : public ::testing::TestWithParam<NumberCase> {};
 

@@ -16,6 +16,8 @@ struct EqualNumbers {
   Value b;
 };
 
+void PrintTo(const EqualNumbers& c, std::ostream* out) { *out << c.name; }
+
 class NumbersAcrossKinds : public ::testing::TestWithParam<EqualNumbers> {};
 
 TEST_P(NumbersAcrossKinds, AreEqualWithEqualHashes) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cctype>
 #include <clocale>
 #include <cmath>
 #include <cstdio>
@@ -75,11 +76,46 @@ void appendPrintf(std::u16string& out, const std::string& spec, T value) {
   appendASCII(out, large);
 }
 
+// Integers are written by hand: the printf rules for flags, width and precision, without
+// the cost of building a C format for every directive.
+void appendDigits(std::u16string& out, const Directive& d, bool negative, std::uint64_t magnitude) {
+  const char16_t conv = d.conversion;
+  const int base = (conv == u'x' || conv == u'X') ? 16 : (conv == u'o' ? 8 : 10);
+  char digits[24];
+  char* end = digits;
+  if (!(d.hasPrecision && d.precision == 0 && magnitude == 0)) {
+    end = std::to_chars(digits, digits + sizeof digits, magnitude, base).ptr;
+  }
+  if (conv == u'X') {
+    for (char* c = digits; c < end; ++c) *c = static_cast<char>(std::toupper(*c));
+  }
+  const auto digitCount = static_cast<std::size_t>(end - digits);
+  const bool alternate = d.flags.find('#') != std::string::npos;
+  std::size_t zeros = d.hasPrecision && static_cast<std::size_t>(d.precision) > digitCount
+                          ? static_cast<std::size_t>(d.precision) - digitCount
+                          : 0;
+  if (alternate && base == 8 && zeros == 0 && (digitCount == 0 || digits[0] != '0')) zeros = 1;
+  std::u16string_view prefix;
+  const bool isSigned = conv == u'd' || conv == u'i';
+  if (isSigned && negative) prefix = u"-";
+  else if (isSigned && d.flags.find('+') != std::string::npos) prefix = u"+";
+  else if (isSigned && d.flags.find(' ') != std::string::npos) prefix = u" ";
+  else if (alternate && magnitude != 0 && base == 16) prefix = conv == u'X' ? u"0X" : u"0x";
+  const std::size_t size = prefix.size() + zeros + digitCount;
+  const std::size_t width = d.hasWidth ? static_cast<std::size_t>(d.width) : 0;
+  const std::size_t pad = size < width ? width - size : 0;
+  const bool zeroPad = !d.leftAlign && !d.hasPrecision && d.flags.find('0') != std::string::npos;
+  if (!d.leftAlign && !zeroPad) out.append(pad, u' ');
+  out.append(prefix);
+  if (zeroPad) out.append(pad, u'0');
+  out.append(zeros, u'0');
+  out.append(digits, end);
+  if (d.leftAlign) out.append(pad, u' ');
+}
+
 void appendInteger(std::u16string& out, const Directive& d, const FormatArgument& arg) {
   const char16_t conv = d.conversion;
-  const bool isSigned = conv == u'd' || conv == u'i';
-  const bool plain = d.flags.empty() && !d.hasWidth && !d.hasPrecision && !d.leftAlign;
-  if (isSigned) {
+  if (conv == u'd' || conv == u'i') {
     std::int64_t v = arg.asSigned();
     switch (d.length) {
       case Length::None: v = static_cast<std::int32_t>(static_cast<std::uint32_t>(v)); break;
@@ -87,12 +123,9 @@ void appendInteger(std::u16string& out, const Directive& d, const FormatArgument
       case Length::Short: v = static_cast<std::int16_t>(static_cast<std::uint16_t>(v)); break;
       default: break;
     }
-    if (plain) {
-      char buffer[24];
-      appendASCII(out, std::string_view(buffer, std::to_chars(buffer, buffer + 24, v).ptr));
-      return;
-    }
-    appendPrintf(out, cSpec(d, "ll", 'd'), static_cast<long long>(v));
+    const std::uint64_t magnitude =
+        v < 0 ? ~static_cast<std::uint64_t>(v) + 1 : static_cast<std::uint64_t>(v);
+    appendDigits(out, d, v < 0, magnitude);
     return;
   }
   std::uint64_t u = arg.asUnsigned();
@@ -102,12 +135,7 @@ void appendInteger(std::u16string& out, const Directive& d, const FormatArgument
     case Length::Short: u = static_cast<std::uint16_t>(u); break;
     default: break;
   }
-  if (plain && conv == u'u') {
-    char buffer[24];
-    appendASCII(out, std::string_view(buffer, std::to_chars(buffer, buffer + 24, u).ptr));
-    return;
-  }
-  appendPrintf(out, cSpec(d, "ll", static_cast<char>(conv)), static_cast<unsigned long long>(u));
+  appendDigits(out, d, false, u);
 }
 
 void appendFloating(std::u16string& out, const Directive& d, const FormatArgument& arg) {
@@ -194,17 +222,12 @@ std::string FormatArgument::asCString() const {
   return asDescription().utf8();
 }
 
-String formatWithArguments(const String& format, std::span<const FormatArgument> arguments) {
-  String out(u"");
-  appendFormatWithArguments(out, format, arguments);
-  return out;
-}
+namespace {
 
-void appendFormatWithArguments(String& text, const String& format,
-                               std::span<const FormatArgument> arguments) {
+void formatInto(std::u16string& out, const String& format,
+                std::span<const FormatArgument> arguments) {
   const std::u16string_view f = format.units();
-  std::u16string out;
-  out.reserve(f.size() + arguments.size() * 8);
+  out.reserve(out.size() + f.size() + arguments.size() * 8);
   std::size_t nextArgument = 0;
   std::size_t i = 0;
   while (i < f.size()) {
@@ -325,13 +348,32 @@ void appendFormatWithArguments(String& text, const String& format,
         appendText(out, Directive{d.flags, d.leftAlign, d.hasWidth, d.width}, std::u16string_view(&unit, 1));
         break;
       }
-      case u's': appendText(out, d, unicode::fromUTF8(arg->asCString(), true, nullptr)); break;
+      case u's': {
+        const char* direct = arg->cString();
+        appendText(out, d, direct ? unicode::fromUTF8(direct, true, nullptr)
+                                  : unicode::fromUTF8(arg->asCString(), true, nullptr));
+        break;
+      }
       case u'@': appendText(out, d, arg->asDescription().units()); break;
       case u'p': appendText(out, d, unicode::fromUTF8(pointerText(arg->asPointer()), true, nullptr)); break;
       default: break;
     }
     i = j;
   }
+}
+
+}  // namespace
+
+String formatWithArguments(const String& format, std::span<const FormatArgument> arguments) {
+  std::u16string out;
+  formatInto(out, format, arguments);
+  return String(std::move(out));
+}
+
+void appendFormatWithArguments(String& text, const String& format,
+                               std::span<const FormatArgument> arguments) {
+  std::u16string out;
+  formatInto(out, format, arguments);
   text.appendCharacters(out.data(), out.size());
 }
 

@@ -75,6 +75,10 @@ class FormatArgument {
   String asDescription() const;
   // The UTF-8 text %s prints for this argument.
   std::string asCString() const;
+  // The C string itself for a CString argument ("(null)" for a null pointer), else null.
+  const char* cString() const {
+    return kind_ == Kind::CString ? (s_ ? s_ : "(null)") : nullptr;
+  }
 
  private:
   Kind kind_;

@@ -4,6 +4,7 @@
 #include <unicode/ustring.h>
 
 #include <algorithm>
+#include <ostream>
 
 #include "tarnvik/platform/character_set.hpp"
 #include "tarnvik/platform/error.hpp"
@@ -349,6 +350,8 @@ UInteger String::replaceOccurrencesOfString(const String& target, const String& 
   storage_ = makeStorage(std::move(out));
   return hits.size();
 }
+
+std::ostream& operator<<(std::ostream& out, const String& text) { return out << text.utf8(); }
 
 void String::setString(const String& other) {
   storage_ = makeStorage(std::u16string(other.units()));

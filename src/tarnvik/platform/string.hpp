@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -130,6 +131,9 @@ class String {
 };
 
 using MutableString = String;
+
+// Writes the text as UTF-8.
+std::ostream& operator<<(std::ostream& out, const String& text);
 
 // Raises NSRangeException when the range does not lie within a text of the given length.
 void checkRangeInLength(Range range, UInteger length, const char* operation);

@@ -1,6 +1,7 @@
 #include "tarnvik/platform/value.hpp"
 
 #include <algorithm>
+#include <ostream>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -63,14 +64,17 @@ struct NumberView {
   double d = 0;
 };
 
-static NumberView numberOf(Value::Kind kind, std::int64_t i, std::uint64_t u, double d, bool b) {
-  switch (kind) {
-    case Value::Kind::Bool: return {NumberView::Signed, b ? 1 : 0};
-    case Value::Kind::Int: return {NumberView::Signed, i};
-    case Value::Kind::UInt: return {NumberView::Unsigned, 0, u};
-    default: return {NumberView::Floating, 0, 0, d};
+struct ValueAccess {
+  // Reads only the union member that the kind says is active.
+  static NumberView number(const Value& v) {
+    switch (v.kind_) {
+      case Value::Kind::Bool: return {NumberView::Signed, v.scalar_.b ? 1 : 0};
+      case Value::Kind::Int: return {NumberView::Signed, v.scalar_.i};
+      case Value::Kind::UInt: return {NumberView::Unsigned, 0, v.scalar_.u};
+      default: return {NumberView::Floating, 0, 0, v.scalar_.d};
+    }
   }
-}
+};
 
 static int compareNumbers(const NumberView& a, const NumberView& b) {
   using K = decltype(a.kind);
@@ -207,9 +211,7 @@ double Value::doubleValue() const {
 
 bool Value::isEqual(const Value& other) const {
   if (isNumber() && other.isNumber()) {
-    return compareNumbers(numberOf(kind_, scalar_.i, scalar_.u, scalar_.d, scalar_.b),
-                          numberOf(other.kind_, other.scalar_.i, other.scalar_.u,
-                                   other.scalar_.d, other.scalar_.b)) == 0;
+    return compareNumbers(ValueAccess::number(*this), ValueAccess::number(other)) == 0;
   }
   if (kind_ != other.kind_) return false;
   if (ref_ && ref_ == other.ref_) return true;
@@ -237,7 +239,7 @@ std::size_t Value::hash() const {
     case Kind::Int:
     case Kind::UInt:
     case Kind::Double:
-      return hashNumber(numberOf(kind_, scalar_.i, scalar_.u, scalar_.d, scalar_.b));
+      return hashNumber(ValueAccess::number(*this));
     case Kind::Date: return mix(std::bit_cast<std::uint64_t>(scalar_.d)) ^ 0xda7e;
     case Kind::String: return asString().hash();
     case Kind::Data: return asData().hash();
@@ -254,15 +256,18 @@ std::size_t Value::hash() const {
 bool Value::isIdenticalTo(const Value& other) const {
   if (kind_ != other.kind_) return false;
   if (ref_ || other.ref_) return ref_ == other.ref_;
-  return scalar_.u == other.scalar_.u;
+  switch (kind_) {
+    case Kind::Bool: return scalar_.b == other.scalar_.b;
+    case Kind::Nil:
+    case Kind::Null: return true;
+    default: return scalar_.u == other.scalar_.u;
+  }
 }
 
 ComparisonResult Value::compare(const Value& other) const {
   int c = 0;
   if (isNumber() && other.isNumber()) {
-    c = compareNumbers(numberOf(kind_, scalar_.i, scalar_.u, scalar_.d, scalar_.b),
-                       numberOf(other.kind_, other.scalar_.i, other.scalar_.u, other.scalar_.d,
-                                other.scalar_.b));
+    c = compareNumbers(ValueAccess::number(*this), ValueAccess::number(other));
   } else if (kind_ == Kind::String && other.kind_ == Kind::String) {
     return asString().compare(other.asString());
   } else if (kind_ == Kind::Date && other.kind_ == Kind::Date) {
@@ -319,6 +324,11 @@ Value Value::copy() const {
     case Kind::OrderedSet: return Value(asOrderedSet().copy());
     default: return *this;
   }
+}
+
+
+std::ostream& operator<<(std::ostream& out, const Value& value) {
+  return out << value.description().utf8();
 }
 
 }  // namespace tarnvik

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <concepts>
+#include <iosfwd>
 #include <cstdint>
 #include <memory>
 #include <type_traits>
@@ -126,6 +127,7 @@ class Value {
   const std::shared_ptr<void>& storage() const { return ref_; }
 
  private:
+  friend struct ValueAccess;
   Value(Kind kind, std::shared_ptr<void> ref) : kind_(kind), ref_(std::move(ref)) {}
   Kind kind_ = Kind::Nil;
   union Scalar {
@@ -144,8 +146,12 @@ struct std::hash<tarnvik::Value> {
   std::size_t operator()(const tarnvik::Value& v) const { return v.hash(); }
 };
 
-// Hash-container equality by isEqual.
 namespace tarnvik {
+
+// Writes the description (for test failure messages and debugging).
+std::ostream& operator<<(std::ostream& out, const Value& value);
+
+// Hash-container equality by isEqual.
 struct ValueEqual {
   bool operator()(const Value& a, const Value& b) const { return a.isEqual(b); }
 };

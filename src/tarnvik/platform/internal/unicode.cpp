@@ -14,50 +14,35 @@
 namespace tarnvik::unicode {
 
 std::u16string fromUTF8(std::string_view utf8, bool lossy, bool* valid) {
-  std::u16string out;
-  out.reserve(utf8.size());
-  const auto* bytes = reinterpret_cast<const std::uint8_t*>(utf8.data());
-  const auto length = static_cast<std::int32_t>(
-      std::min<std::size_t>(utf8.size(), std::numeric_limits<std::int32_t>::max()));
-  std::int32_t i = 0;
-  while (i < length) {
-    if (bytes[i] < 0x80) {
-      out.push_back(bytes[i++]);
-      continue;
-    }
-    UChar32 c;
-    U8_NEXT(bytes, i, length, c);
-    if (c < 0) {
-      if (!lossy) {
-        if (valid) *valid = false;
-        return {};
-      }
-      c = 0xFFFD;
-    }
-    appendCodePoint(out, static_cast<char32_t>(c));
+  if (utf8.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
+    if (valid) *valid = false;
+    return {};
   }
+  // UTF-16 never needs more units than UTF-8 has bytes.
+  std::u16string out(utf8.size(), u'\0');
+  std::int32_t length = 0;
+  UErrorCode status = U_ZERO_ERROR;
+  u_strFromUTF8WithSub(out.data(), static_cast<std::int32_t>(out.size()), &length, utf8.data(),
+                       static_cast<std::int32_t>(utf8.size()), lossy ? 0xFFFD : U_SENTINEL,
+                       nullptr, &status);
+  if (U_FAILURE(status)) {
+    if (valid) *valid = false;
+    return {};
+  }
+  out.resize(static_cast<std::size_t>(length));
   return out;
 }
 
 std::string toUTF8(std::u16string_view utf16) {
-  std::string out;
-  out.reserve(utf16.size());
-  const std::size_t length = utf16.size();
-  for (std::size_t i = 0; i < length;) {
-    char16_t unit = utf16[i];
-    if (unit < 0x80) {
-      out.push_back(static_cast<char>(unit));
-      ++i;
-      continue;
-    }
-    UChar32 c;
-    U16_NEXT(utf16.data(), i, length, c);
-    if (U_IS_SURROGATE(c)) c = 0xFFFD;
-    char buffer[4];
-    std::int32_t n = 0;
-    U8_APPEND_UNSAFE(buffer, n, c);
-    out.append(buffer, static_cast<std::size_t>(n));
-  }
+  if (utf16.empty()) return {};
+  // Each unit becomes at most three bytes (a pair of units, four).
+  std::string out(utf16.size() * 3, '\0');
+  std::int32_t length = 0;
+  UErrorCode status = U_ZERO_ERROR;
+  u_strToUTF8WithSub(out.data(), static_cast<std::int32_t>(out.size()), &length, utf16.data(),
+                     static_cast<std::int32_t>(utf16.size()), 0xFFFD, nullptr, &status);
+  if (U_FAILURE(status)) return {};
+  out.resize(static_cast<std::size_t>(length));
   return out;
 }
 
