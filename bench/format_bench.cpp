@@ -27,9 +27,9 @@ void BM_Snprintf_Integers(benchmark::State& state) {
   std::int64_t i = 0;
   char buffer[128];
   for (auto _ : state) {
-    const int n = std::snprintf(buffer, sizeof buffer, "%d clips, %ld frames, %lu bytes",
-                                static_cast<int>(i), static_cast<long>(i * 25),
-                                static_cast<unsigned long>(i) * 1024);
+    const int n =
+        std::snprintf(buffer, sizeof buffer, "%d clips, %ld frames, %lu bytes", static_cast<int>(i),
+                      static_cast<long>(i * 25), static_cast<unsigned long>(i) * 1024);
     String s = String::fromUTF8(std::string_view(buffer, static_cast<std::size_t>(n)));
     benchmark::DoNotOptimize(s);
     ++i;
@@ -84,7 +84,8 @@ void BM_Snprintf_Strings(benchmark::State& state) {
   const std::string volume = "/Volumes/Media", clip = "A001C009.mov";
   char buffer[128];
   for (auto _ : state) {
-    const int n = std::snprintf(buffer, sizeof buffer, "%s/%s (%s)", volume.c_str(), clip.c_str(), "copied");
+    const int n =
+        std::snprintf(buffer, sizeof buffer, "%s/%s (%s)", volume.c_str(), clip.c_str(), "copied");
     String s = String::fromUTF8(std::string_view(buffer, static_cast<std::size_t>(n)));
     benchmark::DoNotOptimize(s);
   }

@@ -38,8 +38,8 @@ int main() {
   print(stringWithFormat(u"[%8.3f] [%-6@] [%#x]", 3.14159, u"left", 255));
 
   print(u"\n== Errors");
-  const Error missing = errorWithDomainCodeReasonFormat(KFErrorDomainTarnvikExtensions, 3,
-                                                        u"Path %@ does not exist", u"/Volumes/Media");
+  const Error missing = errorWithDomainCodeReasonFormat(
+      KFErrorDomainTarnvikExtensions, 3, u"Path %@ does not exist", u"/Volumes/Media");
   print(missing.description());
   const KEError own = errorWithReasonFormat<KEError>(u"%lu clips could not be read", 4ul);
   print(stringWithFormat(u"%@ in domain %@ (code %ld)", own.className(), own.domain(), own.code()));

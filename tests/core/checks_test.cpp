@@ -26,7 +26,9 @@ class RecordingHandler : public AssertionHandler {
 
 class InstalledHandler : public ::testing::Test {
  protected:
-  void SetUp() override { AssertionHandler::setCurrentHandler(std::make_shared<RecordingHandler>(&seen)); }
+  void SetUp() override {
+    AssertionHandler::setCurrentHandler(std::make_shared<RecordingHandler>(&seen));
+  }
   void TearDown() override { AssertionHandler::setCurrentHandler(nullptr); }
   Recorded seen;
 };
@@ -62,7 +64,8 @@ TEST(Preconditions, TheDefaultHandlerRaisesAnInconsistency) {
 
 TEST_F(InstalledHandler, ReceivesOperationObjectFileLineAndText) {
   const int line = __LINE__ + 1;
-  KU_ASSERT(1 + 1 == 3, u"-[NSArray(KU) flatten]", Value(u"receiver"), u"array length %lu is not a multple of give group length %lu", 5ul, 2ul);
+  KU_ASSERT(1 + 1 == 3, u"-[NSArray(KU) flatten]", Value(u"receiver"),
+            u"array length %lu is not a multple of give group length %lu", 5ul, 2ul);
   EXPECT_EQ(seen.calls, 1);
   EXPECT_EQ(seen.method.utf8(), "-[NSArray(KU) flatten]");
   EXPECT_EQ(seen.object.asString().utf8(), "receiver");

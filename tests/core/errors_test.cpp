@@ -27,10 +27,12 @@ TEST(ErrorConstructors, ReasonAndUnderlyingErrorAreOptional) {
 }
 
 TEST(ErrorConstructors, FormatsFillTheReason) {
-  const Error e = errorWithDomainCodeReasonFormat(u"D", 4, u"Path %@ is not a folder (%lu)", u"/x", 3ul);
+  const Error e =
+      errorWithDomainCodeReasonFormat(u"D", 4, u"Path %@ is not a folder (%lu)", u"/x", 3ul);
   EXPECT_EQ(e.localizedFailureReason().utf8(), "Path /x is not a folder (3)");
   EXPECT_TRUE(e.underlyingError().isNil());
-  const Error u = errorWithDomainCodeUnderlyingErrorReasonFormat(u"D", 1, Error(u"I", 9), u"%qi%%", 5LL);
+  const Error u =
+      errorWithDomainCodeUnderlyingErrorReasonFormat(u"D", 1, Error(u"I", 9), u"%qi%%", 5LL);
   EXPECT_EQ(u.localizedFailureReason().utf8(), "5%");
   EXPECT_EQ(u.underlyingError().code(), 9);
   // The reason is text, not a format: a percent sign stays as it is.

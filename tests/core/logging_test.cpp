@@ -43,7 +43,8 @@ class LoggingTest : public ::testing::Test {
 TEST_F(LoggingTest, ALineCarriesExactlyTheCallShape) {
   ddLogLevel = 0x1F;
   const int line = __LINE__ + 1;
-  KU_LOG_ERROR(u"+[NSFileManager(CFIExtensions) isDirectoryCFI:]", u"IsDirectoryCFI failed on %@", u"/Volumes/A");
+  KU_LOG_ERROR(u"+[NSFileManager(CFIExtensions) isDirectoryCFI:]", u"IsDirectoryCFI failed on %@",
+               u"/Volumes/A");
   ASSERT_EQ(logger->messages.size(), 1u);
   const LogMessage& m = logger->messages[0];
   EXPECT_FALSE(m.asynchronous);

@@ -4,8 +4,8 @@
 #include "tarnvik/core/errors.hpp"
 
 int main() {
-  const tarnvik::Error e =
-      tarnvik::errorWithDomain(tarnvik::KFErrorDomainTarnvikExtensions, 3, u"Path /x does not exist");
+  const tarnvik::Error e = tarnvik::errorWithDomain(tarnvik::KFErrorDomainTarnvikExtensions, 3,
+                                                    u"Path /x does not exist");
   std::puts(e.localizedFailureReason().utf8().c_str());
   return e.code() == 3 ? 0 : 1;
 }

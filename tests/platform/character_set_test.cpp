@@ -35,7 +35,8 @@ INSTANTIATE_TEST_SUITE_P(
         Membership{"space_newline", CharacterSet::whitespaceCharacterSet, u'\n', false},
         Membership{"space_nbsp", CharacterSet::whitespaceCharacterSet, u'\u00A0', true},
         Membership{"ws_newline", CharacterSet::whitespaceAndNewlineCharacterSet, u'\n', true},
-        Membership{"ws_line_separator", CharacterSet::whitespaceAndNewlineCharacterSet, u'\u2028', true},
+        Membership{"ws_line_separator", CharacterSet::whitespaceAndNewlineCharacterSet, u'\u2028',
+                   true},
         Membership{"ws_nel", CharacterSet::whitespaceAndNewlineCharacterSet, u'\u0085', true},
         Membership{"newline_cr", CharacterSet::newlineCharacterSet, u'\r', true},
         Membership{"newline_space", CharacterSet::newlineCharacterSet, u' ', false},
@@ -44,9 +45,11 @@ INSTANTIATE_TEST_SUITE_P(
         Membership{"letter_digit", CharacterSet::letterCharacterSet, u'1', false},
         Membership{"letter_surrogate", CharacterSet::letterCharacterSet, 0xD801, false},
         Membership{"upper_sigma", CharacterSet::uppercaseLetterCharacterSet, u'\u03A3', true},
-        Membership{"upper_titlecase_dz", CharacterSet::uppercaseLetterCharacterSet, u'\u01C5', true},
+        Membership{"upper_titlecase_dz", CharacterSet::uppercaseLetterCharacterSet, u'\u01C5',
+                   true},
         Membership{"lower_sigma", CharacterSet::lowercaseLetterCharacterSet, u'\u03C3', true},
-        Membership{"alnum_superscript_two", CharacterSet::alphanumericCharacterSet, u'\u00B2', true},
+        Membership{"alnum_superscript_two", CharacterSet::alphanumericCharacterSet, u'\u00B2',
+                   true},
         Membership{"alnum_underscore", CharacterSet::alphanumericCharacterSet, u'_', false},
         Membership{"control_nul", CharacterSet::controlCharacterSet, u'\0', true},
         Membership{"control_zwj_format", CharacterSet::controlCharacterSet, u'\u200D', true},
@@ -79,7 +82,8 @@ TEST(CharacterSet, StringScansUseTheSets) {
   const Range last = name.rangeOfCharacterFromSet(
       CharacterSet::decimalDigitCharacterSet().invertedSet(), NSBackwardsSearch);
   EXPECT_EQ(last, (Range{3, 1}));
-  EXPECT_EQ(name.rangeOfCharacterFromSet(CharacterSet::decimalDigitCharacterSet(), NSAnchoredSearch).location,
+  EXPECT_EQ(name.rangeOfCharacterFromSet(CharacterSet::decimalDigitCharacterSet(), NSAnchoredSearch)
+                .location,
             NSNotFound);
 }
 

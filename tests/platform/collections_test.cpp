@@ -49,7 +49,8 @@ TEST(Array, SlicingJoiningAndSorting) {
   EXPECT_EQ(a.subarrayWithRange({1, 2}), (Array{1, 2}));
   EXPECT_EQ(a.componentsJoinedByString(u", ").utf8(), "3, 1, 2, 1");
   EXPECT_EQ(Array::array().componentsJoinedByString(u",").utf8(), "");
-  const Array sorted = a.sortedArrayUsingComparator([](const Value& x, const Value& y) { return x.compare(y); });
+  const Array sorted =
+      a.sortedArrayUsingComparator([](const Value& x, const Value& y) { return x.compare(y); });
   EXPECT_EQ(sorted, (Array{1, 1, 2, 3}));
   // Stable: equal keys keep their order.
   const Array pairs{Array{1, u"a"}, Array{0, u"b"}, Array{1, u"c"}};
@@ -73,7 +74,8 @@ TEST(Dictionary, KeepsInsertionOrderThroughReplaceAndRemove) {
   EXPECT_EQ(d.allValues(), (Array{20, 3, 4}));
   d.setValue(Value(), u"a");
   EXPECT_TRUE(d.objectForKey(u"a").isNil());
-  EXPECT_EQ(exceptionName([&] { d.setObject(Value(), u"k"); }).utf8(), "NSInvalidArgumentException");
+  EXPECT_EQ(exceptionName([&] { d.setObject(Value(), u"k"); }).utf8(),
+            "NSInvalidArgumentException");
 }
 
 TEST(Dictionary, AnyValueIsAKey) {

@@ -27,7 +27,9 @@ TEST(String, UTF8RoundTripsAndInvalidInput) {
   EXPECT_TRUE(String::fromUTF8("\xED\xA0\x80").isNil());  // an encoded surrogate
   EXPECT_EQ(String::fromUTF8Lossy("a\xFFz").units(), u"a\uFFFDz");
   const char16_t lone[] = {u'a', 0xD800, u'b', 0};
-  EXPECT_EQ(String(lone).utf8(), "a\xEF\xBF\xBD" "b");
+  EXPECT_EQ(String(lone).utf8(),
+            "a\xEF\xBF\xBD"
+            "b");
 }
 
 TEST(String, SubstringsCheckTheirRange) {
@@ -78,7 +80,8 @@ INSTANTIATE_TEST_SUITE_P(
         SearchCase{"forward", u"abcabc", u"bc", 0, {1, 2}},
         SearchCase{"backwards", u"abcabc", u"bc", NSBackwardsSearch, {4, 2}},
         SearchCase{"anchored miss", u"abcabc", u"bc", NSAnchoredSearch, {NSNotFound, 0}},
-        SearchCase{"anchored backwards", u"abcabc", u"bc", NSAnchoredSearch | NSBackwardsSearch, {4, 2}},
+        SearchCase{
+            "anchored backwards", u"abcabc", u"bc", NSAnchoredSearch | NSBackwardsSearch, {4, 2}},
         SearchCase{"caseless ascii", u"Clip.MOV", u".mov", NSCaseInsensitiveSearch, {4, 4}},
         SearchCase{"caseless non-ascii", u"xÄÖb", u"äö", NSCaseInsensitiveSearch, {1, 2}},
         SearchCase{"case matters by default", u"Clip.MOV", u".mov", 0, {NSNotFound, 0}},
@@ -86,7 +89,8 @@ INSTANTIATE_TEST_SUITE_P(
         SearchCase{"longer than text", u"ab", u"abc", 0, {NSNotFound, 0}}),
     [](const auto& info) {
       std::string n = info.param.name;
-      for (char& c : n) if (c == ' ' || c == '-') c = '_';
+      for (char& c : n)
+        if (c == ' ' || c == '-') c = '_';
       return n;
     });
 
@@ -100,7 +104,10 @@ TEST(String, SearchStaysInsideTheRange) {
 
 TEST(String, ReplacingSplittingAndJoining) {
   EXPECT_EQ(String(u"a-b-c").stringByReplacingOccurrencesOfString(u"-", u"--").utf8(), "a--b--c");
-  EXPECT_EQ(String(u"AbAB").stringByReplacingOccurrencesOfString(u"ab", u"x", NSCaseInsensitiveSearch).utf8(), "xx");
+  EXPECT_EQ(String(u"AbAB")
+                .stringByReplacingOccurrencesOfString(u"ab", u"x", NSCaseInsensitiveSearch)
+                .utf8(),
+            "xx");
   String m = u"aaa";
   EXPECT_EQ(m.replaceOccurrencesOfString(u"a", u"b", 0, {1, 2}), 2u);
   EXPECT_EQ(m.utf8(), "abb");
@@ -108,8 +115,10 @@ TEST(String, ReplacingSplittingAndJoining) {
   EXPECT_EQ(parts, (Array{u"a", u"", u"b", u""}));
   EXPECT_EQ(parts.componentsJoinedByString(u"/").utf8(), "a//b/");
   EXPECT_EQ(String(u"abc").componentsSeparatedByString(u""), (Array{u"abc"}));
-  EXPECT_EQ(String(u" x \n").stringByTrimmingCharactersInSet(
-                CharacterSet::whitespaceAndNewlineCharacterSet()).utf8(), "x");
+  EXPECT_EQ(String(u" x \n")
+                .stringByTrimmingCharactersInSet(CharacterSet::whitespaceAndNewlineCharacterSet())
+                .utf8(),
+            "x");
 }
 
 TEST(String, CaseMappingUsesFullUnicodeRules) {
@@ -159,12 +168,9 @@ TEST_P(StringNumbers, ReadAsThePlatformDoes) {
 INSTANTIATE_TEST_SUITE_P(
     Readings, StringNumbers,
     ::testing::Values(
-        NumberCase{u"42", 42, 42, 42, true},
-        NumberCase{u"  \n\t-17clips", -17, -17, -17, true},
-        NumberCase{u"+5", 5, 5, 5, true},
-        NumberCase{u"0007", 7, 7, 7, true},
-        NumberCase{u"abc", 0, 0, 0, false},
-        NumberCase{u"", 0, 0, 0, false},
+        NumberCase{u"42", 42, 42, 42, true}, NumberCase{u"  \n\t-17clips", -17, -17, -17, true},
+        NumberCase{u"+5", 5, 5, 5, true}, NumberCase{u"0007", 7, 7, 7, true},
+        NumberCase{u"abc", 0, 0, 0, false}, NumberCase{u"", 0, 0, 0, false},
         NumberCase{u"- 5", 0, 0, 0, false},
         NumberCase{u"3000000000", 3000000000LL, INT32_MAX, 3e9, true},
         NumberCase{u"-3000000000", -3000000000LL, INT32_MIN, -3e9, true},
@@ -172,10 +178,8 @@ INSTANTIATE_TEST_SUITE_P(
         NumberCase{u"-99999999999999999999", INT64_MIN, INT32_MIN, -1e20, true},
         NumberCase{u"-9223372036854775808", INT64_MIN, INT32_MIN, -9223372036854775808.0, true},
         NumberCase{u"\u0663\u0664", 0, 0, 0, false},  // Arabic-Indic digits are not read
-        NumberCase{u"2.5e3x", 2, 2, 2500, true},
-        NumberCase{u".5", 0, 0, 0.5, false},
-        NumberCase{u"\u00A0 12", 12, 12, 12, true},
-        NumberCase{u"00", 0, 0, 0, false}));
+        NumberCase{u"2.5e3x", 2, 2, 2500, true}, NumberCase{u".5", 0, 0, 0.5, false},
+        NumberCase{u"\u00A0 12", 12, 12, 12, true}, NumberCase{u"00", 0, 0, 0, false}));
 
 TEST(String, DoubleReadingSaturates) {
   EXPECT_EQ(String(u"1e400").doubleValue(), HUGE_VAL);

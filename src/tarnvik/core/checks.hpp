@@ -37,15 +37,15 @@ void reportAssertionFailure(const String& method, const Value& object, const cha
 
 // Reports to the assertion handler when the condition is false. The message arguments
 // are formatted only then.
-#define KU_ASSERT(condition, method, object, ...)                                      \
-  do {                                                                                 \
-    if (!(condition)) {                                                                \
-      ::tarnvik::reportAssertionFailure(method, object, __FILE__, __LINE__,            \
-                                        ::tarnvik::stringWithFormat(__VA_ARGS__));     \
-    }                                                                                  \
+#define KU_ASSERT(condition, method, object, ...)                                  \
+  do {                                                                             \
+    if (!(condition)) {                                                            \
+      ::tarnvik::reportAssertionFailure(method, object, __FILE__, __LINE__,        \
+                                        ::tarnvik::stringWithFormat(__VA_ARGS__)); \
+    }                                                                              \
   } while (0)
 
 // The parameter assertion: "Invalid parameter not satisfying: <conditionText>".
-#define KU_PARAMETER_ASSERT(condition, conditionText, method, object)                 \
-  KU_ASSERT(condition, method, object, u"Invalid parameter not satisfying: %@",       \
+#define KU_PARAMETER_ASSERT(condition, conditionText, method, object)           \
+  KU_ASSERT(condition, method, object, u"Invalid parameter not satisfying: %@", \
             ::tarnvik::String(conditionText))

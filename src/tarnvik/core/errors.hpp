@@ -27,7 +27,7 @@ class KEError : public Error {
 
 template <class E>
 concept ErrorClass = std::derived_from<E, Error> &&
-                     std::constructible_from<E, const String&, Integer, const Dictionary&>;
+    std::constructible_from<E, const String&, Integer, const Dictionary&>;
 
 // The main bundle's identifier, else the process name; looked up at every call.
 String defaultErrorDomain();
@@ -55,8 +55,8 @@ E errorWithDomainCodeReasonFormat(const String& domain, Integer code, const Stri
 // errorWithDomain:code:underlyingError:reasonFormat:
 template <ErrorClass E = Error, class... Args>
 E errorWithDomainCodeUnderlyingErrorReasonFormat(const String& domain, Integer code,
-                                                 const Error& underlyingError,
-                                                 const String& format, const Args&... args) {
+                                                 const Error& underlyingError, const String& format,
+                                                 const Args&... args) {
   return errorWithDomain<E>(domain, code, stringWithFormat(format, args...), underlyingError);
 }
 

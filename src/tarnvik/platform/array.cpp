@@ -16,13 +16,12 @@ const std::vector<Value>& emptyValues() {
 
 [[noreturn]] void raiseIndex(const char* operation, UInteger index, UInteger count) {
   if (count == 0) {
-    throw Exception(NSRangeException,
-                    stringWithFormat(u"*** %s: index %lu beyond bounds for empty array",
-                                     operation, index));
+    throw Exception(
+        NSRangeException,
+        stringWithFormat(u"*** %s: index %lu beyond bounds for empty array", operation, index));
   }
-  throw Exception(NSRangeException,
-                  stringWithFormat(u"*** %s: index %lu beyond bounds [0 .. %lu]", operation,
-                                   index, count - 1));
+  throw Exception(NSRangeException, stringWithFormat(u"*** %s: index %lu beyond bounds [0 .. %lu]",
+                                                     operation, index, count - 1));
 }
 
 void requireObject(const Value& object, const char* operation) {
@@ -34,10 +33,10 @@ void requireObject(const Value& object, const char* operation) {
 
 void requireRange(Range range, UInteger count, const char* operation) {
   if (range.location > count || range.length > count - range.location) {
-    throw Exception(NSRangeException,
-                    stringWithFormat(u"*** %s: range {%lu, %lu} extends beyond bounds [0 .. %lu]",
-                                     operation, range.location, range.length,
-                                     count == 0 ? 0 : count - 1));
+    throw Exception(
+        NSRangeException,
+        stringWithFormat(u"*** %s: range {%lu, %lu} extends beyond bounds [0 .. %lu]", operation,
+                         range.location, range.length, count == 0 ? 0 : count - 1));
   }
 }
 
@@ -181,7 +180,8 @@ void Array::addObjectsFromArray(const Array& other) {
 }
 void Array::replaceObjectAtIndex(UInteger index, const Value& object) {
   requireObject(object, "-[NSMutableArray replaceObjectAtIndex:withObject:]");
-  if (index >= count()) raiseIndex("-[NSMutableArray replaceObjectAtIndex:withObject:]", index, count());
+  if (index >= count())
+    raiseIndex("-[NSMutableArray replaceObjectAtIndex:withObject:]", index, count());
   mutableValues()[index] = object;
 }
 void Array::removeObjectAtIndex(UInteger index) {
@@ -209,18 +209,19 @@ void Array::removeObjectsInRange(Range range) {
 }
 void Array::removeAllObjects() { mutableValues().clear(); }
 void Array::exchangeObjectAtIndex(UInteger index, UInteger otherIndex) {
-  if (index >= count()) raiseIndex("-[NSMutableArray exchangeObjectAtIndex:withObjectAtIndex:]", index, count());
-  if (otherIndex >= count()) raiseIndex("-[NSMutableArray exchangeObjectAtIndex:withObjectAtIndex:]", otherIndex, count());
+  if (index >= count())
+    raiseIndex("-[NSMutableArray exchangeObjectAtIndex:withObjectAtIndex:]", index, count());
+  if (otherIndex >= count())
+    raiseIndex("-[NSMutableArray exchangeObjectAtIndex:withObjectAtIndex:]", otherIndex, count());
   auto& v = mutableValues();
   std::swap(v[index], v[otherIndex]);
 }
 void Array::setArray(const Array& other) { mutableValues() = other.values(); }
 void Array::sortUsingComparator(const Comparator& comparator) {
   if (count() < 2) return;
-  std::stable_sort(mutableValues().begin(), mutableValues().end(),
-                   [&](const Value& a, const Value& b) {
-                     return comparator(a, b) == NSOrderedAscending;
-                   });
+  std::stable_sort(
+      mutableValues().begin(), mutableValues().end(),
+      [&](const Value& a, const Value& b) { return comparator(a, b) == NSOrderedAscending; });
 }
 
 }  // namespace tarnvik

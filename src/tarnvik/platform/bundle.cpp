@@ -46,11 +46,13 @@ std::string firstExisting(std::initializer_list<fs::path> candidates, bool wantF
 std::shared_ptr<const BundleStorage> loadBundle(const fs::path& folder) {
   auto storage = std::make_shared<BundleStorage>();
   storage->path = folder.string();
-  storage->resources = firstExisting({folder / "Contents" / "Resources", folder / "Resources"}, true);
+  storage->resources =
+      firstExisting({folder / "Contents" / "Resources", folder / "Resources"}, true);
   if (storage->resources.empty()) storage->resources = storage->path;
-  const std::string infoPath = firstExisting(
-      {folder / "Info.plist", folder / "Resources" / "Info.plist", folder / "Contents" / "Info.plist"},
-      false);
+  const std::string infoPath =
+      firstExisting({folder / "Info.plist", folder / "Resources" / "Info.plist",
+                     folder / "Contents" / "Info.plist"},
+                    false);
   if (!infoPath.empty()) storage->info = strings_file::readTable(infoPath);
   if (storage->info.isNil()) storage->info = Dictionary::dictionary();
   return storage;
@@ -142,7 +144,8 @@ String Bundle::localizedStringForKey(const String& key, const String& value,
                                      const String& table) const {
   if (key.isNil()) return value.isEmpty() ? String(u"") : value;
   if (storage_) {
-    const std::string tableName = (table.isEmpty() ? String(u"Localizable") : table).utf8() + ".strings";
+    const std::string tableName =
+        (table.isEmpty() ? String(u"Localizable") : table).utf8() + ".strings";
     std::vector<std::string> languages;
     for (const Value& language : preferredLanguages()) {
       const std::string full = language.asString().utf8();

@@ -43,8 +43,7 @@ class Bundle {
   // The translation of the key in the table ("Localizable" when nil) for the first of
   // the preferred languages that has one, then "en" and "Base"; otherwise the value when
   // it is non-empty, else the key.
-  String localizedStringForKey(const String& key, const String& value,
-                               const String& table) const;
+  String localizedStringForKey(const String& key, const String& value, const String& table) const;
 
  private:
   std::shared_ptr<const BundleStorage> storage_;

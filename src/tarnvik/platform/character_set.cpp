@@ -20,15 +20,17 @@ std::shared_ptr<const Bits> buildByCategory(Test test) {
   return bits;
 }
 
-bool isLineBreak(UChar32 c) { return (c >= 0x0A && c <= 0x0D) || c == 0x85 || c == 0x2028 || c == 0x2029; }
+bool isLineBreak(UChar32 c) {
+  return (c >= 0x0A && c <= 0x0D) || c == 0x85 || c == 0x2028 || c == 0x2029;
+}
 
 }  // namespace
 
-#define TARNVIK_PREDEFINED_SET(name, test)                                         \
-  CharacterSet CharacterSet::name() {                                               \
-    static const std::shared_ptr<const Bits> bits =                                 \
-        buildByCategory([](UChar32 c, uint32_t mask) { return test; });             \
-    return CharacterSet(bits, false);                                               \
+#define TARNVIK_PREDEFINED_SET(name, test)                              \
+  CharacterSet CharacterSet::name() {                                   \
+    static const std::shared_ptr<const Bits> bits =                     \
+        buildByCategory([](UChar32 c, uint32_t mask) { return test; }); \
+    return CharacterSet(bits, false);                                   \
   }
 
 TARNVIK_PREDEFINED_SET(decimalDigitCharacterSet, (mask & U_GC_ND_MASK) != 0 && c >= 0)

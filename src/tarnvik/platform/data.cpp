@@ -19,8 +19,8 @@ std::shared_ptr<DataStorage> makeStorage(std::vector<std::uint8_t> bytes) {
 void requireRange(Range range, UInteger length, const char* operation) {
   if (range.location > length || range.length > length - range.location) {
     throw Exception(NSRangeException,
-                    stringWithFormat(u"*** %s: range {%lu, %lu} exceeds data length %lu",
-                                     operation, range.location, range.length, length));
+                    stringWithFormat(u"*** %s: range {%lu, %lu} exceeds data length %lu", operation,
+                                     range.location, range.length, length));
   }
 }
 
@@ -37,7 +37,9 @@ Data Data::withBytes(std::span<const std::uint8_t> bytes) {
   return withBytes(bytes.data(), bytes.size());
 }
 Data Data::withString(std::string_view bytes) { return withBytes(bytes.data(), bytes.size()); }
-Data Data::withVector(std::vector<std::uint8_t> bytes) { return Data(makeStorage(std::move(bytes))); }
+Data Data::withVector(std::vector<std::uint8_t> bytes) {
+  return Data(makeStorage(std::move(bytes)));
+}
 Data Data::withLength(UInteger length) {
   return Data(makeStorage(std::vector<std::uint8_t>(length, 0)));
 }

@@ -40,7 +40,8 @@ String Error::localizedDescription() const {
   const String description = storage_->userInfo.objectForKey(NSLocalizedDescriptionKey).asString();
   if (!description.isNil()) return description;
   const String reason = localizedFailureReason();
-  if (!reason.isNil()) return stringWithFormat(u"The operation couldn\u2019t be completed. %@", reason);
+  if (!reason.isNil())
+    return stringWithFormat(u"The operation couldn\u2019t be completed. %@", reason);
   return stringWithFormat(u"The operation couldn\u2019t be completed. (%@ error %ld.)", domain(),
                           code());
 }
@@ -72,9 +73,8 @@ String Error::description() const {
 
 bool Error::isEqual(const Error& other) const {
   if (isNil() || other.isNil()) return isNil() == other.isNil();
-  return storage_ == other.storage_ ||
-         (domain() == other.domain() && code() == other.code() &&
-          userInfo().isEqualToDictionary(other.userInfo()));
+  return storage_ == other.storage_ || (domain() == other.domain() && code() == other.code() &&
+                                        userInfo().isEqualToDictionary(other.userInfo()));
 }
 
 std::size_t Error::hash() const { return domain().hash() ^ static_cast<std::size_t>(code()); }
@@ -82,8 +82,8 @@ std::size_t Error::hash() const { return domain().hash() ^ static_cast<std::size
 Exception::Exception(const String& name, const String& reason, const Dictionary& userInfo)
     : name_(name), reason_(reason), userInfo_(userInfo), what_(reason.utf8()) {}
 
-void AssertionHandler::handleFailureInMethod(const String& method, const Value&,
-                                             const String&, Integer, const String& description) {
+void AssertionHandler::handleFailureInMethod(const String& method, const Value&, const String&,
+                                             Integer, const String& description) {
   (void)method;
   throw Exception(NSInternalInconsistencyException, description);
 }

@@ -22,8 +22,7 @@ inline constexpr char16_t NSCocoaErrorDomain[] = u"NSCocoaErrorDomain";
 
 inline constexpr char16_t NSInvalidArgumentException[] = u"NSInvalidArgumentException";
 inline constexpr char16_t NSRangeException[] = u"NSRangeException";
-inline constexpr char16_t NSInternalInconsistencyException[] =
-    u"NSInternalInconsistencyException";
+inline constexpr char16_t NSInternalInconsistencyException[] = u"NSInternalInconsistencyException";
 
 struct ErrorStorage;
 
@@ -60,8 +59,7 @@ class Error {
   bool isIdenticalTo(const Error& other) const { return storage_ == other.storage_; }
 
  protected:
-  Error(const String& className, const String& domain, Integer code,
-        const Dictionary& userInfo);
+  Error(const String& className, const String& domain, Integer code, const Dictionary& userInfo);
 
  private:
   std::shared_ptr<ErrorStorage> storage_;
@@ -93,8 +91,8 @@ class AssertionHandler {
   virtual void handleFailureInMethod(const String& method, const Value& object,
                                      const String& fileName, Integer line,
                                      const String& description);
-  virtual void handleFailureInFunction(const String& function, const String& fileName,
-                                       Integer line, const String& description);
+  virtual void handleFailureInFunction(const String& function, const String& fileName, Integer line,
+                                       const String& description);
 
   // The calling thread's handler.
   static AssertionHandler& currentHandler();

@@ -1,8 +1,8 @@
 #include "tarnvik/platform/format.hpp"
 
 #include <algorithm>
-#include <charconv>
 #include <cctype>
+#include <charconv>
 #include <clocale>
 #include <cmath>
 #include <cstdio>
@@ -22,7 +22,9 @@ std::string pointerText(const void* p) {
   return buffer;
 }
 
-void appendASCII(std::u16string& out, std::string_view text) { out.append(text.begin(), text.end()); }
+void appendASCII(std::u16string& out, std::string_view text) {
+  out.append(text.begin(), text.end());
+}
 
 enum class Length { None, Char, Short, Long, LongDouble };
 
@@ -97,10 +99,14 @@ void appendDigits(std::u16string& out, const Directive& d, bool negative, std::u
   if (alternate && base == 8 && zeros == 0 && (digitCount == 0 || digits[0] != '0')) zeros = 1;
   std::u16string_view prefix;
   const bool isSigned = conv == u'd' || conv == u'i';
-  if (isSigned && negative) prefix = u"-";
-  else if (isSigned && d.flags.find('+') != std::string::npos) prefix = u"+";
-  else if (isSigned && d.flags.find(' ') != std::string::npos) prefix = u" ";
-  else if (alternate && magnitude != 0 && base == 16) prefix = conv == u'X' ? u"0X" : u"0x";
+  if (isSigned && negative)
+    prefix = u"-";
+  else if (isSigned && d.flags.find('+') != std::string::npos)
+    prefix = u"+";
+  else if (isSigned && d.flags.find(' ') != std::string::npos)
+    prefix = u" ";
+  else if (alternate && magnitude != 0 && base == 16)
+    prefix = conv == u'X' ? u"0X" : u"0x";
   const std::size_t size = prefix.size() + zeros + digitCount;
   const std::size_t width = d.hasWidth ? static_cast<std::size_t>(d.width) : 0;
   const std::size_t pad = size < width ? width - size : 0;
@@ -118,10 +124,17 @@ void appendInteger(std::u16string& out, const Directive& d, const FormatArgument
   if (conv == u'd' || conv == u'i') {
     std::int64_t v = arg.asSigned();
     switch (d.length) {
-      case Length::None: v = static_cast<std::int32_t>(static_cast<std::uint32_t>(v)); break;
-      case Length::Char: v = static_cast<std::int8_t>(static_cast<std::uint8_t>(v)); break;
-      case Length::Short: v = static_cast<std::int16_t>(static_cast<std::uint16_t>(v)); break;
-      default: break;
+      case Length::None:
+        v = static_cast<std::int32_t>(static_cast<std::uint32_t>(v));
+        break;
+      case Length::Char:
+        v = static_cast<std::int8_t>(static_cast<std::uint8_t>(v));
+        break;
+      case Length::Short:
+        v = static_cast<std::int16_t>(static_cast<std::uint16_t>(v));
+        break;
+      default:
+        break;
     }
     const std::uint64_t magnitude =
         v < 0 ? ~static_cast<std::uint64_t>(v) + 1 : static_cast<std::uint64_t>(v);
@@ -130,10 +143,17 @@ void appendInteger(std::u16string& out, const Directive& d, const FormatArgument
   }
   std::uint64_t u = arg.asUnsigned();
   switch (d.length) {
-    case Length::None: u = static_cast<std::uint32_t>(u); break;
-    case Length::Char: u = static_cast<std::uint8_t>(u); break;
-    case Length::Short: u = static_cast<std::uint16_t>(u); break;
-    default: break;
+    case Length::None:
+      u = static_cast<std::uint32_t>(u);
+      break;
+    case Length::Char:
+      u = static_cast<std::uint8_t>(u);
+      break;
+    case Length::Short:
+      u = static_cast<std::uint16_t>(u);
+      break;
+    default:
+      break;
   }
   appendDigits(out, d, false, u);
 }
@@ -173,11 +193,15 @@ bool readNumber(std::u16string_view f, std::size_t& j, int& value) {
 
 std::int64_t FormatArgument::asSigned() const {
   switch (kind_) {
-    case Kind::Signed: return i_;
-    case Kind::Unsigned: return static_cast<std::int64_t>(u_);
-    case Kind::Double: return Value(d_).integerValue();
+    case Kind::Signed:
+      return i_;
+    case Kind::Unsigned:
+      return static_cast<std::int64_t>(u_);
+    case Kind::Double:
+      return Value(d_).integerValue();
     case Kind::CString:
-    case Kind::Pointer: return static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(p_));
+    case Kind::Pointer:
+      return static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(p_));
     case Kind::Object:
       return value_.kind() == Value::Kind::UInt
                  ? static_cast<std::int64_t>(value_.unsignedIntegerValue())
@@ -188,31 +212,46 @@ std::int64_t FormatArgument::asSigned() const {
 
 double FormatArgument::asDouble() const {
   switch (kind_) {
-    case Kind::Signed: return static_cast<double>(i_);
-    case Kind::Unsigned: return static_cast<double>(u_);
-    case Kind::Double: return d_;
-    case Kind::Object: return value_.doubleValue();
-    default: return 0;
+    case Kind::Signed:
+      return static_cast<double>(i_);
+    case Kind::Unsigned:
+      return static_cast<double>(u_);
+    case Kind::Double:
+      return d_;
+    case Kind::Object:
+      return value_.doubleValue();
+    default:
+      return 0;
   }
 }
 
 const void* FormatArgument::asPointer() const {
   switch (kind_) {
-    case Kind::CString: return s_;
-    case Kind::Pointer: return p_;
-    case Kind::Object: return value_.storage().get();
-    default: return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(asSigned()));
+    case Kind::CString:
+      return s_;
+    case Kind::Pointer:
+      return p_;
+    case Kind::Object:
+      return value_.storage().get();
+    default:
+      return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(asSigned()));
   }
 }
 
 String FormatArgument::asDescription() const {
   switch (kind_) {
-    case Kind::Signed: return String(std::to_string(i_));
-    case Kind::Unsigned: return String(std::to_string(u_));
-    case Kind::Double: return String(describe::shortestDouble(d_));
-    case Kind::CString: return s_ ? String::fromUTF8Lossy(s_) : String(u"(null)");
-    case Kind::Pointer: return String(pointerText(p_));
-    case Kind::Object: return value_.description();
+    case Kind::Signed:
+      return String(std::to_string(i_));
+    case Kind::Unsigned:
+      return String(std::to_string(u_));
+    case Kind::Double:
+      return String(describe::shortestDouble(d_));
+    case Kind::CString:
+      return s_ ? String::fromUTF8Lossy(s_) : String(u"(null)");
+    case Kind::Pointer:
+      return String(pointerText(p_));
+    case Kind::Object:
+      return value_.description();
   }
   return String();
 }
@@ -330,33 +369,53 @@ void formatInto(std::u16string& out, const String& format,
       continue;
     }
     switch (d.conversion) {
-      case u'd': case u'i': case u'u': case u'x': case u'X': case u'o':
+      case u'd':
+      case u'i':
+      case u'u':
+      case u'x':
+      case u'X':
+      case u'o':
         appendInteger(out, d, *arg);
         break;
-      case u'f': case u'F': case u'e': case u'E': case u'g': case u'G': case u'a': case u'A':
+      case u'f':
+      case u'F':
+      case u'e':
+      case u'E':
+      case u'g':
+      case u'G':
+      case u'a':
+      case u'A':
         appendFloating(out, d, *arg);
         break;
       case u'c': {
         const auto byte = static_cast<std::uint8_t>(arg->asSigned());
         const char16_t unit = d.length == Length::Long ? static_cast<char16_t>(arg->asSigned())
                                                        : static_cast<char16_t>(byte);
-        appendText(out, Directive{d.flags, d.leftAlign, d.hasWidth, d.width}, std::u16string_view(&unit, 1));
+        appendText(out, Directive{d.flags, d.leftAlign, d.hasWidth, d.width},
+                   std::u16string_view(&unit, 1));
         break;
       }
       case u'C': {
         const auto unit = static_cast<char16_t>(arg->asSigned());
-        appendText(out, Directive{d.flags, d.leftAlign, d.hasWidth, d.width}, std::u16string_view(&unit, 1));
+        appendText(out, Directive{d.flags, d.leftAlign, d.hasWidth, d.width},
+                   std::u16string_view(&unit, 1));
         break;
       }
       case u's': {
         const char* direct = arg->cString();
-        appendText(out, d, direct ? unicode::fromUTF8(direct, true, nullptr)
-                                  : unicode::fromUTF8(arg->asCString(), true, nullptr));
+        appendText(out, d,
+                   direct ? unicode::fromUTF8(direct, true, nullptr)
+                          : unicode::fromUTF8(arg->asCString(), true, nullptr));
         break;
       }
-      case u'@': appendText(out, d, arg->asDescription().units()); break;
-      case u'p': appendText(out, d, unicode::fromUTF8(pointerText(arg->asPointer()), true, nullptr)); break;
-      default: break;
+      case u'@':
+        appendText(out, d, arg->asDescription().units());
+        break;
+      case u'p':
+        appendText(out, d, unicode::fromUTF8(pointerText(arg->asPointer()), true, nullptr));
+        break;
+      default:
+        break;
     }
     i = j;
   }

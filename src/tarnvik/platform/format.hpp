@@ -49,20 +49,20 @@ class FormatArgument {
   template <std::unsigned_integral T>
   FormatArgument(T u) : kind_(Kind::Unsigned), u_(u) {}  // NOLINT
   template <class T>
-    requires std::is_enum_v<T>
-  FormatArgument(T e) : FormatArgument(static_cast<std::underlying_type_t<T>>(e)) {}  // NOLINT
-  FormatArgument(double d) : kind_(Kind::Double), d_(d) {}  // NOLINT
-  FormatArgument(float f) : kind_(Kind::Double), d_(f) {}  // NOLINT
-  FormatArgument(const char* s) : kind_(Kind::CString), s_(s) {}  // NOLINT
+  requires std::is_enum_v<T> FormatArgument(T e)
+      : FormatArgument(static_cast<std::underlying_type_t<T>>(e)) {}             // NOLINT
+  FormatArgument(double d) : kind_(Kind::Double), d_(d) {}                       // NOLINT
+  FormatArgument(float f) : kind_(Kind::Double), d_(f) {}                        // NOLINT
+  FormatArgument(const char* s) : kind_(Kind::CString), s_(s) {}                 // NOLINT
   FormatArgument(const std::string& s) : kind_(Kind::CString), s_(s.c_str()) {}  // NOLINT
-  FormatArgument(const void* p) : kind_(Kind::Pointer), p_(p) {}  // NOLINT
-  FormatArgument(std::nullptr_t) : kind_(Kind::Pointer), p_(nullptr) {}  // NOLINT
-  FormatArgument(const Value& v) : kind_(Kind::Object), value_(v) {}  // NOLINT
+  FormatArgument(const void* p) : kind_(Kind::Pointer), p_(p) {}                 // NOLINT
+  FormatArgument(std::nullptr_t) : kind_(Kind::Pointer), p_(nullptr) {}          // NOLINT
+  FormatArgument(const Value& v) : kind_(Kind::Object), value_(v) {}             // NOLINT
   template <class T>
-    requires(std::is_constructible_v<Value, const T&> && !std::is_arithmetic_v<T> &&
-             !std::is_pointer_v<T> && !std::is_array_v<T> && !std::is_same_v<T, Value> &&
-             !std::is_enum_v<T>)
-  FormatArgument(const T& handle) : kind_(Kind::Object), value_(handle) {}  // NOLINT
+  requires(std::is_constructible_v<Value, const T&> && !std::is_arithmetic_v<T> &&
+           !std::is_pointer_v<T> && !std::is_array_v<T> && !std::is_same_v<T, Value> &&
+           !std::is_enum_v<T>) FormatArgument(const T& handle)
+      : kind_(Kind::Object), value_(handle) {}                           // NOLINT
   FormatArgument(const char16_t* s) : kind_(Kind::Object), value_(s) {}  // NOLINT
 
   Kind kind() const { return kind_; }
@@ -76,9 +76,7 @@ class FormatArgument {
   // The UTF-8 text %s prints for this argument.
   std::string asCString() const;
   // The C string itself for a CString argument ("(null)" for a null pointer), else null.
-  const char* cString() const {
-    return kind_ == Kind::CString ? (s_ ? s_ : "(null)") : nullptr;
-  }
+  const char* cString() const { return kind_ == Kind::CString ? (s_ ? s_ : "(null)") : nullptr; }
 
  private:
   Kind kind_;

@@ -52,8 +52,8 @@ class DDLog {
  public:
   template <class... Args>
   static void log(bool asynchronous, unsigned long level, unsigned flag, long context,
-                  const String& file, const String& function, unsigned long line,
-                  const Value& tag, const String& format, const Args&... args) {
+                  const String& file, const String& function, unsigned long line, const Value& tag,
+                  const String& format, const Args&... args) {
     dispatch(LogMessage{asynchronous, level, flag, context, file, function, line, tag,
                         stringWithFormat(format, args...)});
   }

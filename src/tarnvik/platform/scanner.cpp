@@ -38,7 +38,8 @@ bool Scanner::isAtEnd() const { return skip() >= text_.length(); }
 bool Scanner::scanString(const String& target, String* into) {
   const UInteger start = skip();
   if (target.isEmpty() || start >= text_.length()) return false;
-  const UInteger options = NSAnchoredSearch | (caseSensitive_ ? UInteger{0} : UInteger{NSCaseInsensitiveSearch});
+  const UInteger options =
+      NSAnchoredSearch | (caseSensitive_ ? UInteger{0} : UInteger{NSCaseInsensitiveSearch});
   const Range found = text_.rangeOfString(target, options, {start, text_.length() - start});
   if (found.location == NSNotFound) return false;
   if (into) *into = text_.substringWithRange(found);
@@ -83,7 +84,8 @@ bool Scanner::scanCharactersFromSet(const CharacterSet& set, String* into) {
 bool Scanner::scanLongLong(long long* into) {
   const UInteger start = skip();
   std::size_t end = 0;
-  const auto value = unicode::parseInteger(text_.units().substr(0), INT64_MIN, INT64_MAX, &end, start);
+  const auto value =
+      unicode::parseInteger(text_.units().substr(0), INT64_MIN, INT64_MAX, &end, start);
   // parseInteger skips whitespace of its own; only accept a number right at start.
   if (end == 0) return false;
   const auto units = text_.units();
@@ -114,7 +116,8 @@ bool Scanner::scanHexLongLong(unsigned long long* into) {
   const UInteger start = skip();
   const auto units = text_.units();
   UInteger at = start;
-  if (at + 1 < units.size() && units[at] == u'0' && (units[at + 1] == u'x' || units[at + 1] == u'X')) {
+  if (at + 1 < units.size() && units[at] == u'0' &&
+      (units[at + 1] == u'x' || units[at + 1] == u'X')) {
     at += 2;
   }
   auto digit = [](char16_t c) -> int {

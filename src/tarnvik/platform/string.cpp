@@ -95,9 +95,7 @@ String String::substringFromIndex(UInteger from) const {
   if (from > length()) checkRangeInLength({from, 0}, length(), "-[NSString substringFromIndex:]");
   return substringWithRange({from, length() - from});
 }
-String String::substringToIndex(UInteger to) const {
-  return substringWithRange({0, to});
-}
+String String::substringToIndex(UInteger to) const { return substringWithRange({0, to}); }
 String String::substringWithRange(Range range) const {
   checkRangeInLength(range, length(), "-[NSString substringWithRange:]");
   if (isNil()) return String();
@@ -115,9 +113,7 @@ bool String::isEqualToString(const String& other) const {
   if (isNil() || other.isNil()) return isNil() == other.isNil();
   return storage_ == other.storage_ || units() == other.units();
 }
-std::size_t String::hash() const {
-  return std::hash<std::u16string_view>{}(units());
-}
+std::size_t String::hash() const { return std::hash<std::u16string_view>{}(units()); }
 
 ComparisonResult String::compare(const String& other) const {
   const int c = units().compare(other.units());
@@ -192,13 +188,11 @@ String String::stringByAppendingString(const String& other) const {
   return result;
 }
 
-String String::stringByReplacingOccurrencesOfString(const String& target,
-                                                    const String& replacement,
+String String::stringByReplacingOccurrencesOfString(const String& target, const String& replacement,
                                                     UInteger options) const {
   return stringByReplacingOccurrencesOfString(target, replacement, options, {0, length()});
 }
-String String::stringByReplacingOccurrencesOfString(const String& target,
-                                                    const String& replacement,
+String String::stringByReplacingOccurrencesOfString(const String& target, const String& replacement,
                                                     UInteger options, Range range) const {
   String result = *this;
   if (result.isNil()) return result;
@@ -276,7 +270,9 @@ String String::capitalizedString() const {
   return String(std::move(out));
 }
 
-Integer String::integerValue() const { return unicode::parseInteger(units(), INT64_MIN, INT64_MAX); }
+Integer String::integerValue() const {
+  return unicode::parseInteger(units(), INT64_MIN, INT64_MAX);
+}
 long long String::longLongValue() const { return integerValue(); }
 int String::intValue() const {
   return static_cast<int>(unicode::parseInteger(units(), INT32_MIN, INT32_MAX));
@@ -319,7 +315,8 @@ void String::replaceCharactersInRange(Range range, const String& replacement) {
 
 UInteger String::replaceOccurrencesOfString(const String& target, const String& replacement,
                                             UInteger options, Range range) {
-  checkRangeInLength(range, length(), "-[NSMutableString replaceOccurrencesOfString:withString:options:range:]");
+  checkRangeInLength(range, length(),
+                     "-[NSMutableString replaceOccurrencesOfString:withString:options:range:]");
   if (target.isEmpty()) return 0;
   const bool backwards = options & NSBackwardsSearch;
   const UInteger searchOptions = options & ~NSBackwardsSearch;

@@ -26,11 +26,11 @@ class String {
  public:
   String() = default;
   // UTF-8 text; invalid sequences become U+FFFD. A null pointer gives nil.
-  String(const char* utf8);  // NOLINT(google-explicit-constructor)
-  String(const char16_t* utf16);  // NOLINT(google-explicit-constructor)
-  String(std::u16string units);  // NOLINT(google-explicit-constructor)
+  String(const char* utf8);           // NOLINT(google-explicit-constructor)
+  String(const char16_t* utf16);      // NOLINT(google-explicit-constructor)
+  String(std::u16string units);       // NOLINT(google-explicit-constructor)
   String(std::u16string_view units);  // NOLINT(google-explicit-constructor)
-  String(const std::string& utf8);  // NOLINT(google-explicit-constructor)
+  String(const std::string& utf8);    // NOLINT(google-explicit-constructor)
 
   // Strict UTF-8 decoding: nil when the bytes are not valid UTF-8.
   static String fromUTF8(std::string_view utf8);

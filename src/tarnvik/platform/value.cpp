@@ -1,10 +1,10 @@
 #include "tarnvik/platform/value.hpp"
 
 #include <algorithm>
-#include <ostream>
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <ostream>
 
 #include "tarnvik/platform/data.hpp"
 #include "tarnvik/platform/error.hpp"
@@ -68,10 +68,14 @@ struct ValueAccess {
   // Reads only the union member that the kind says is active.
   static NumberView number(const Value& v) {
     switch (v.kind_) {
-      case Value::Kind::Bool: return {NumberView::Signed, v.scalar_.b ? 1 : 0};
-      case Value::Kind::Int: return {NumberView::Signed, v.scalar_.i};
-      case Value::Kind::UInt: return {NumberView::Unsigned, 0, v.scalar_.u};
-      default: return {NumberView::Floating, 0, 0, v.scalar_.d};
+      case Value::Kind::Bool:
+        return {NumberView::Signed, v.scalar_.b ? 1 : 0};
+      case Value::Kind::Int:
+        return {NumberView::Signed, v.scalar_.i};
+      case Value::Kind::UInt:
+        return {NumberView::Unsigned, 0, v.scalar_.u};
+      default:
+        return {NumberView::Floating, 0, 0, v.scalar_.d};
     }
   }
 };
@@ -89,19 +93,23 @@ static int compareNumbers(const NumberView& a, const NumberView& b) {
   }
   if (a.kind == K::Floating) return -compareNumbers(b, a);
   return b.kind == K::Floating && a.kind == K::Signed ? compareSignedDouble(a.i, b.d)
-                                                       : compareUnsignedDouble(a.u, b.d);
+                                                      : compareUnsignedDouble(a.u, b.d);
 }
 
 static std::size_t hashNumber(const NumberView& n) {
   switch (n.kind) {
-    case NumberView::Signed: return mix(static_cast<std::uint64_t>(n.i));
-    case NumberView::Unsigned: return mix(n.u);
-    case NumberView::Floating: break;
+    case NumberView::Signed:
+      return mix(static_cast<std::uint64_t>(n.i));
+    case NumberView::Unsigned:
+      return mix(n.u);
+    case NumberView::Floating:
+      break;
   }
   const double d = n.d;
   if (std::isnan(d)) return 0x7ff8;
   if (std::trunc(d) == d) {
-    if (d >= -kTwo63 && d < kTwo63) return mix(static_cast<std::uint64_t>(static_cast<std::int64_t>(d)));
+    if (d >= -kTwo63 && d < kTwo63)
+      return mix(static_cast<std::uint64_t>(static_cast<std::int64_t>(d)));
     if (d >= 0 && d < kTwo64) return mix(static_cast<std::uint64_t>(d));
   }
   return mix(std::bit_cast<std::uint64_t>(d));
@@ -140,9 +148,7 @@ String Value::asString() const {
   return kind_ == Kind::String ? String::fromStorage(ref_) : String();
 }
 Data Value::asData() const { return kind_ == Kind::Data ? Data::fromStorage(ref_) : Data(); }
-Array Value::asArray() const {
-  return kind_ == Kind::Array ? Array::fromStorage(ref_) : Array();
-}
+Array Value::asArray() const { return kind_ == Kind::Array ? Array::fromStorage(ref_) : Array(); }
 Dictionary Value::asDictionary() const {
   return kind_ == Kind::Dictionary ? Dictionary::fromStorage(ref_) : Dictionary();
 }
@@ -158,19 +164,27 @@ Date Value::asDate() const { return kind_ == Kind::Date ? Date{scalar_.d} : Date
 
 bool Value::boolValue() const {
   switch (kind_) {
-    case Kind::Bool: return scalar_.b;
-    case Kind::Int: return scalar_.i != 0;
-    case Kind::UInt: return scalar_.u != 0;
-    case Kind::Double: return scalar_.d != 0;
-    case Kind::String: return asString().boolValue();
-    default: return false;
+    case Kind::Bool:
+      return scalar_.b;
+    case Kind::Int:
+      return scalar_.i != 0;
+    case Kind::UInt:
+      return scalar_.u != 0;
+    case Kind::Double:
+      return scalar_.d != 0;
+    case Kind::String:
+      return asString().boolValue();
+    default:
+      return false;
   }
 }
 
 Integer Value::integerValue() const {
   switch (kind_) {
-    case Kind::Bool: return scalar_.b ? 1 : 0;
-    case Kind::Int: return scalar_.i;
+    case Kind::Bool:
+      return scalar_.b ? 1 : 0;
+    case Kind::Int:
+      return scalar_.i;
     case Kind::UInt:
       return scalar_.u > static_cast<std::uint64_t>(INT64_MAX) ? INT64_MAX
                                                                : static_cast<Integer>(scalar_.u);
@@ -181,8 +195,10 @@ Integer Value::integerValue() const {
       if (d < -kTwo63) return INT64_MIN;
       return static_cast<Integer>(d);
     }
-    case Kind::String: return asString().integerValue();
-    default: return 0;
+    case Kind::String:
+      return asString().integerValue();
+    default:
+      return 0;
   }
 }
 long long Value::longLongValue() const { return integerValue(); }
@@ -199,13 +215,19 @@ UInteger Value::unsignedIntegerValue() const {
 }
 double Value::doubleValue() const {
   switch (kind_) {
-    case Kind::Bool: return scalar_.b ? 1 : 0;
-    case Kind::Int: return static_cast<double>(scalar_.i);
-    case Kind::UInt: return static_cast<double>(scalar_.u);
+    case Kind::Bool:
+      return scalar_.b ? 1 : 0;
+    case Kind::Int:
+      return static_cast<double>(scalar_.i);
+    case Kind::UInt:
+      return static_cast<double>(scalar_.u);
     case Kind::Double:
-    case Kind::Date: return scalar_.d;
-    case Kind::String: return asString().doubleValue();
-    default: return 0;
+    case Kind::Date:
+      return scalar_.d;
+    case Kind::String:
+      return asString().doubleValue();
+    default:
+      return 0;
   }
 }
 
@@ -217,38 +239,60 @@ bool Value::isEqual(const Value& other) const {
   if (ref_ && ref_ == other.ref_) return true;
   switch (kind_) {
     case Kind::Nil:
-    case Kind::Null: return true;
-    case Kind::Date: return scalar_.d == other.scalar_.d;
-    case Kind::String: return asString().isEqualToString(other.asString());
-    case Kind::Data: return asData().isEqualToData(other.asData());
-    case Kind::Array: return asArray().isEqualToArray(other.asArray());
-    case Kind::Dictionary: return asDictionary().isEqualToDictionary(other.asDictionary());
-    case Kind::Set: return asSet().isEqualToSet(other.asSet());
-    case Kind::OrderedSet: return asOrderedSet().isEqualToOrderedSet(other.asOrderedSet());
-    case Kind::Error: return asError().isEqual(other.asError());
-    case Kind::Object: return asObject()->isEqual(*other.asObject());
-    default: return false;
+    case Kind::Null:
+      return true;
+    case Kind::Date:
+      return scalar_.d == other.scalar_.d;
+    case Kind::String:
+      return asString().isEqualToString(other.asString());
+    case Kind::Data:
+      return asData().isEqualToData(other.asData());
+    case Kind::Array:
+      return asArray().isEqualToArray(other.asArray());
+    case Kind::Dictionary:
+      return asDictionary().isEqualToDictionary(other.asDictionary());
+    case Kind::Set:
+      return asSet().isEqualToSet(other.asSet());
+    case Kind::OrderedSet:
+      return asOrderedSet().isEqualToOrderedSet(other.asOrderedSet());
+    case Kind::Error:
+      return asError().isEqual(other.asError());
+    case Kind::Object:
+      return asObject()->isEqual(*other.asObject());
+    default:
+      return false;
   }
 }
 
 std::size_t Value::hash() const {
   switch (kind_) {
-    case Kind::Nil: return 0;
-    case Kind::Null: return 0x6e756c6c;
+    case Kind::Nil:
+      return 0;
+    case Kind::Null:
+      return 0x6e756c6c;
     case Kind::Bool:
     case Kind::Int:
     case Kind::UInt:
     case Kind::Double:
       return hashNumber(ValueAccess::number(*this));
-    case Kind::Date: return mix(std::bit_cast<std::uint64_t>(scalar_.d)) ^ 0xda7e;
-    case Kind::String: return asString().hash();
-    case Kind::Data: return asData().hash();
-    case Kind::Array: return asArray().hash();
-    case Kind::Dictionary: return asDictionary().hash();
-    case Kind::Set: return asSet().hash();
-    case Kind::OrderedSet: return asOrderedSet().hash();
-    case Kind::Error: return asError().hash();
-    case Kind::Object: return asObject()->hash();
+    case Kind::Date:
+      return mix(std::bit_cast<std::uint64_t>(scalar_.d)) ^ 0xda7e;
+    case Kind::String:
+      return asString().hash();
+    case Kind::Data:
+      return asData().hash();
+    case Kind::Array:
+      return asArray().hash();
+    case Kind::Dictionary:
+      return asDictionary().hash();
+    case Kind::Set:
+      return asSet().hash();
+    case Kind::OrderedSet:
+      return asOrderedSet().hash();
+    case Kind::Error:
+      return asError().hash();
+    case Kind::Object:
+      return asObject()->hash();
   }
   return 0;
 }
@@ -257,10 +301,13 @@ bool Value::isIdenticalTo(const Value& other) const {
   if (kind_ != other.kind_) return false;
   if (ref_ || other.ref_) return ref_ == other.ref_;
   switch (kind_) {
-    case Kind::Bool: return scalar_.b == other.scalar_.b;
+    case Kind::Bool:
+      return scalar_.b == other.scalar_.b;
     case Kind::Nil:
-    case Kind::Null: return true;
-    default: return scalar_.u == other.scalar_.u;
+    case Kind::Null:
+      return true;
+    default:
+      return scalar_.u == other.scalar_.u;
   }
 }
 
@@ -284,21 +331,33 @@ String Value::description() const { return describe::describe(*this, 0, false); 
 
 String Value::className() const {
   switch (kind_) {
-    case Kind::Nil: return String();
-    case Kind::Null: return u"NSNull";
+    case Kind::Nil:
+      return String();
+    case Kind::Null:
+      return u"NSNull";
     case Kind::Bool:
     case Kind::Int:
     case Kind::UInt:
-    case Kind::Double: return u"NSNumber";
-    case Kind::Date: return u"NSDate";
-    case Kind::String: return u"NSString";
-    case Kind::Data: return u"NSData";
-    case Kind::Array: return u"NSArray";
-    case Kind::Dictionary: return u"NSDictionary";
-    case Kind::Set: return u"NSSet";
-    case Kind::OrderedSet: return u"NSOrderedSet";
-    case Kind::Error: return asError().className();
-    case Kind::Object: return asObject()->className();
+    case Kind::Double:
+      return u"NSNumber";
+    case Kind::Date:
+      return u"NSDate";
+    case Kind::String:
+      return u"NSString";
+    case Kind::Data:
+      return u"NSData";
+    case Kind::Array:
+      return u"NSArray";
+    case Kind::Dictionary:
+      return u"NSDictionary";
+    case Kind::Set:
+      return u"NSSet";
+    case Kind::OrderedSet:
+      return u"NSOrderedSet";
+    case Kind::Error:
+      return asError().className();
+    case Kind::Object:
+      return asObject()->className();
   }
   return String();
 }
@@ -316,16 +375,22 @@ bool Value::isKindOfClass(const String& name) const {
 
 Value Value::copy() const {
   switch (kind_) {
-    case Kind::String: return Value(String(std::u16string(asString().units())));
-    case Kind::Data: return Value(asData().copy());
-    case Kind::Array: return Value(asArray().copy());
-    case Kind::Dictionary: return Value(asDictionary().copy());
-    case Kind::Set: return Value(asSet().copy());
-    case Kind::OrderedSet: return Value(asOrderedSet().copy());
-    default: return *this;
+    case Kind::String:
+      return Value(String(std::u16string(asString().units())));
+    case Kind::Data:
+      return Value(asData().copy());
+    case Kind::Array:
+      return Value(asArray().copy());
+    case Kind::Dictionary:
+      return Value(asDictionary().copy());
+    case Kind::Set:
+      return Value(asSet().copy());
+    case Kind::OrderedSet:
+      return Value(asOrderedSet().copy());
+    default:
+      return *this;
   }
 }
-
 
 std::ostream& operator<<(std::ostream& out, const Value& value) {
   return out << value.description().utf8();

@@ -7,8 +7,8 @@
 #pragma once
 
 #include <concepts>
-#include <iosfwd>
 #include <cstdint>
+#include <iosfwd>
 #include <memory>
 #include <type_traits>
 
@@ -35,34 +35,50 @@ inline constexpr Null kNull{};
 class Value {
  public:
   enum class Kind : std::uint8_t {
-    Nil, Null, Bool, Int, UInt, Double, Date,
-    String, Data, Array, Dictionary, Set, OrderedSet, Error, Object,
+    Nil,
+    Null,
+    Bool,
+    Int,
+    UInt,
+    Double,
+    Date,
+    String,
+    Data,
+    Array,
+    Dictionary,
+    Set,
+    OrderedSet,
+    Error,
+    Object,
   };
 
   Value() = default;
-  Value(Null) : kind_(Kind::Null) {}  // NOLINT
+  Value(Null) : kind_(Kind::Null) {}                    // NOLINT
   Value(bool b) : kind_(Kind::Bool) { scalar_.b = b; }  // NOLINT
   template <std::signed_integral T>
-  Value(T i) : kind_(Kind::Int) { scalar_.i = i; }  // NOLINT
+  Value(T i) : kind_(Kind::Int) {
+    scalar_.i = i;
+  }  // NOLINT
   template <std::unsigned_integral T>
-    requires(!std::same_as<T, bool>)
-  Value(T u) : kind_(Kind::UInt) { scalar_.u = u; }  // NOLINT
-  Value(double d) : kind_(Kind::Double) { scalar_.d = d; }  // NOLINT
-  Value(float f) : Value(static_cast<double>(f)) {}  // NOLINT
-  Value(Date date) : kind_(Kind::Date) { scalar_.d = date.timeIntervalSinceReferenceDate; }  // NOLINT
-  Value(const char* utf8);  // NOLINT
-  Value(const char16_t* utf16);  // NOLINT
-  Value(const String& s);  // NOLINT
-  Value(const Data& d);  // NOLINT
-  Value(const Array& a);  // NOLINT
-  Value(const Dictionary& d);  // NOLINT
-  Value(const Set& s);  // NOLINT
-  Value(const OrderedSet& s);  // NOLINT
-  Value(const Error& e);  // NOLINT
+  requires(!std::same_as<T, bool>) Value(T u) : kind_(Kind::UInt) { scalar_.u = u; }  // NOLINT
+  Value(double d) : kind_(Kind::Double) { scalar_.d = d; }                            // NOLINT
+  Value(float f) : Value(static_cast<double>(f)) {}                                   // NOLINT
+  Value(Date date) : kind_(Kind::Date) {
+    scalar_.d = date.timeIntervalSinceReferenceDate;
+  }                                       // NOLINT
+  Value(const char* utf8);                // NOLINT
+  Value(const char16_t* utf16);           // NOLINT
+  Value(const String& s);                 // NOLINT
+  Value(const Data& d);                   // NOLINT
+  Value(const Array& a);                  // NOLINT
+  Value(const Dictionary& d);             // NOLINT
+  Value(const Set& s);                    // NOLINT
+  Value(const OrderedSet& s);             // NOLINT
+  Value(const Error& e);                  // NOLINT
   Value(std::shared_ptr<Object> object);  // NOLINT
   template <class T>
-    requires std::derived_from<T, Object>
-  Value(std::shared_ptr<T> object) : Value(std::shared_ptr<Object>(std::move(object))) {}  // NOLINT
+  requires std::derived_from<T, Object> Value(std::shared_ptr<T> object)
+      : Value(std::shared_ptr<Object>(std::move(object))) {}  // NOLINT
 
   Kind kind() const { return kind_; }
   bool isNil() const { return kind_ == Kind::Nil; }

@@ -13,9 +13,13 @@ namespace tarnvik::describe {
 
 namespace {
 
-void indent(std::u16string& out, int depth) { out.append(static_cast<std::size_t>(depth) * 4, u' '); }
+void indent(std::u16string& out, int depth) {
+  out.append(static_cast<std::size_t>(depth) * 4, u' ');
+}
 
-void appendASCII(std::u16string& out, std::string_view text) { out.append(text.begin(), text.end()); }
+void appendASCII(std::u16string& out, std::string_view text) {
+  out.append(text.begin(), text.end());
+}
 
 bool needsQuotes(std::u16string_view text) {
   if (text.empty()) return true;
@@ -32,11 +36,21 @@ void appendQuoted(std::u16string& out, std::u16string_view text) {
   out.push_back(u'"');
   for (const char16_t c : text) {
     switch (c) {
-      case u'"': out.append(u"\\\""); break;
-      case u'\\': out.append(u"\\\\"); break;
-      case u'\n': out.append(u"\\n"); break;
-      case u'\t': out.append(u"\\t"); break;
-      case u'\r': out.append(u"\\r"); break;
+      case u'"':
+        out.append(u"\\\"");
+        break;
+      case u'\\':
+        out.append(u"\\\\");
+        break;
+      case u'\n':
+        out.append(u"\\n");
+        break;
+      case u'\t':
+        out.append(u"\\t");
+        break;
+      case u'\r':
+        out.append(u"\\r");
+        break;
       default:
         if (c < 0x20 || c > 0x7E) {
           char buffer[8];
@@ -99,22 +113,47 @@ void appendData(std::u16string& out, const Data& data) {
 void appendValue(std::u16string& out, const Value& value, int depth, bool nested) {
   using K = Value::Kind;
   switch (value.kind()) {
-    case K::Nil: out.append(u"(null)"); return;
-    case K::Null: out.append(u"<null>"); return;
-    case K::Bool: out.push_back(value.boolValue() ? u'1' : u'0'); return;
-    case K::Int: appendASCII(out, std::to_string(value.integerValue())); return;
-    case K::UInt: appendASCII(out, std::to_string(value.unsignedIntegerValue())); return;
-    case K::Double: appendASCII(out, shortestDouble(value.doubleValue())); return;
-    case K::Date: appendDate(out, value.asDate().timeIntervalSinceReferenceDate); return;
+    case K::Nil:
+      out.append(u"(null)");
+      return;
+    case K::Null:
+      out.append(u"<null>");
+      return;
+    case K::Bool:
+      out.push_back(value.boolValue() ? u'1' : u'0');
+      return;
+    case K::Int:
+      appendASCII(out, std::to_string(value.integerValue()));
+      return;
+    case K::UInt:
+      appendASCII(out, std::to_string(value.unsignedIntegerValue()));
+      return;
+    case K::Double:
+      appendASCII(out, shortestDouble(value.doubleValue()));
+      return;
+    case K::Date:
+      appendDate(out, value.asDate().timeIntervalSinceReferenceDate);
+      return;
     case K::String: {
       const auto text = value.asString().units();
-      if (nested && needsQuotes(text)) appendQuoted(out, text); else out.append(text);
+      if (nested && needsQuotes(text))
+        appendQuoted(out, text);
+      else
+        out.append(text);
       return;
     }
-    case K::Data: appendData(out, value.asData()); return;
-    case K::Array: appendList(out, value.asArray(), depth, u"(", u")"); return;
-    case K::Set: appendList(out, value.asSet(), depth, u"{(", u")}"); return;
-    case K::OrderedSet: appendList(out, value.asOrderedSet(), depth, u"{(", u")}"); return;
+    case K::Data:
+      appendData(out, value.asData());
+      return;
+    case K::Array:
+      appendList(out, value.asArray(), depth, u"(", u")");
+      return;
+    case K::Set:
+      appendList(out, value.asSet(), depth, u"{(", u")}");
+      return;
+    case K::OrderedSet:
+      appendList(out, value.asOrderedSet(), depth, u"{(", u")}");
+      return;
     case K::Dictionary: {
       indent(out, depth);
       out.append(u"{\n");
@@ -129,8 +168,12 @@ void appendValue(std::u16string& out, const Value& value, int depth, bool nested
       out.push_back(u'}');
       return;
     }
-    case K::Error: out.append(value.asError().description().units()); return;
-    case K::Object: out.append(value.asObject()->description().units()); return;
+    case K::Error:
+      out.append(value.asError().description().units());
+      return;
+    case K::Object:
+      out.append(value.asObject()->description().units());
+      return;
   }
 }
 

@@ -111,9 +111,15 @@ class StringsParser {
       if (at_ >= text_.size()) return false;
       const char16_t e = text_[at_++];
       switch (e) {
-        case u'n': value.push_back(u'\n'); break;
-        case u't': value.push_back(u'\t'); break;
-        case u'r': value.push_back(u'\r'); break;
+        case u'n':
+          value.push_back(u'\n');
+          break;
+        case u't':
+          value.push_back(u'\t');
+          break;
+        case u'r':
+          value.push_back(u'\r');
+          break;
         case u'U':
         case u'u': {
           unsigned code = 0;
@@ -131,7 +137,8 @@ class StringsParser {
           value.push_back(static_cast<char16_t>(code));
           break;
         }
-        default: value.push_back(e);
+        default:
+          value.push_back(e);
       }
     }
     return false;
@@ -203,7 +210,8 @@ Value fromPlist(plist_t node) {
       std::free(iter);
       return Value(dictionary);
     }
-    default: return Value();
+    default:
+      return Value();
   }
 }
 
@@ -231,7 +239,9 @@ Dictionary readTable(const std::string& path) {
   if (!in) return Dictionary();
   const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
   std::string_view head(bytes);
-  while (!head.empty() && (head.front() == ' ' || head.front() == '\n' || head.front() == '\t' || head.front() == '\r')) head.remove_prefix(1);
+  while (!head.empty() && (head.front() == ' ' || head.front() == '\n' || head.front() == '\t' ||
+                           head.front() == '\r'))
+    head.remove_prefix(1);
   if (bytes.starts_with("bplist") || head.starts_with("<?xml") || head.starts_with("<plist")) {
     return parsePropertyListDictionary(bytes);
   }

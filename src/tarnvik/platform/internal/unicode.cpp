@@ -1,12 +1,11 @@
 #include "tarnvik/platform/internal/unicode.hpp"
 
+#include <locale.h>
+#include <stdlib.h>
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
-
-#include <locale.h>
-#include <stdlib.h>
 
 #include <algorithm>
 #include <limits>
@@ -23,8 +22,8 @@ std::u16string fromUTF8(std::string_view utf8, bool lossy, bool* valid) {
   std::int32_t length = 0;
   UErrorCode status = U_ZERO_ERROR;
   u_strFromUTF8WithSub(out.data(), static_cast<std::int32_t>(out.size()), &length, utf8.data(),
-                       static_cast<std::int32_t>(utf8.size()), lossy ? 0xFFFD : U_SENTINEL,
-                       nullptr, &status);
+                       static_cast<std::int32_t>(utf8.size()), lossy ? 0xFFFD : U_SENTINEL, nullptr,
+                       &status);
   if (U_FAILURE(status)) {
     if (valid) *valid = false;
     return {};
@@ -124,7 +123,9 @@ double parseDouble(std::u16string_view text, std::size_t* end, std::size_t from)
   std::string token;
   bool negative = false;
   if (i < text.size() && (text[i] == u'+' || text[i] == u'-')) negative = text[i++] == u'-';
-  auto isDigit = [&](std::size_t at) { return at < text.size() && text[at] >= u'0' && text[at] <= u'9'; };
+  auto isDigit = [&](std::size_t at) {
+    return at < text.size() && text[at] >= u'0' && text[at] <= u'9';
+  };
   std::size_t digits = 0;
   for (; isDigit(i); ++i, ++digits) token.push_back(static_cast<char>(text[i]));
   if (i < text.size() && text[i] == u'.') {
