@@ -40,8 +40,7 @@ struct Directive {
   char16_t conversion = 0;
 };
 
-// Pads the text to the directive's width with blanks (or zeros for numbers when asked
-// for by a '0' flag, which the C library handles before this point).
+// Pads the text to the directive's width with blanks.
 void appendPadded(std::u16string& out, std::u16string_view text, const Directive& d) {
   const std::size_t width = d.hasWidth ? static_cast<std::size_t>(d.width) : 0;
   const std::size_t pad = text.size() < width ? width - text.size() : 0;
@@ -50,30 +49,29 @@ void appendPadded(std::u16string& out, std::u16string_view text, const Directive
   if (d.leftAlign) out.append(pad, u' ');
 }
 
-std::string cSpec(const Directive& d, const char* lengthModifier, char conversion) {
-  std::string spec = "%";
+// The C format for a floating-point directive (the grouping flag dropped).
+std::string cFormatFor(const Directive& d, char conversion) {
+  std::string cFormat = "%";
   for (const char f : d.flags) {
-    if (f != '\'') spec.push_back(f);
+    if (f != '\'') cFormat.push_back(f);
   }
-  if (d.leftAlign && spec.find('-') == std::string::npos) spec.push_back('-');
-  if (d.hasWidth) spec += std::to_string(d.width);
-  if (d.hasPrecision) spec += "." + std::to_string(d.precision);
-  spec += lengthModifier;
-  spec.push_back(conversion);
-  return spec;
+  if (d.leftAlign && cFormat.find('-') == std::string::npos) cFormat.push_back('-');
+  if (d.hasWidth) cFormat += std::to_string(d.width);
+  if (d.hasPrecision) cFormat += "." + std::to_string(d.precision);
+  cFormat.push_back(conversion);
+  return cFormat;
 }
 
-template <class T>
-void appendPrintf(std::u16string& out, const std::string& spec, T value) {
+void appendPrintf(std::u16string& out, const std::string& cFormat, double value) {
   char small[128];
-  const int n = std::snprintf(small, sizeof small, spec.c_str(), value);
+  const int n = std::snprintf(small, sizeof small, cFormat.c_str(), value);
   if (n < 0) return;
   if (static_cast<std::size_t>(n) < sizeof small) {
     appendASCII(out, std::string_view(small, static_cast<std::size_t>(n)));
     return;
   }
   std::string large(static_cast<std::size_t>(n) + 1, '\0');
-  std::snprintf(large.data(), large.size(), spec.c_str(), value);
+  std::snprintf(large.data(), large.size(), cFormat.c_str(), value);
   large.resize(static_cast<std::size_t>(n));
   appendASCII(out, large);
 }
@@ -160,7 +158,7 @@ void appendInteger(std::u16string& out, const Directive& d, const FormatArgument
 
 void appendFloating(std::u16string& out, const Directive& d, const FormatArgument& arg) {
   std::u16string text;
-  appendPrintf(text, cSpec(d, "", static_cast<char>(d.conversion)), arg.asDouble());
+  appendPrintf(text, cFormatFor(d, static_cast<char>(d.conversion)), arg.asDouble());
   // The platform always writes a full stop, whatever the C locale says.
   const char* point = std::localeconv()->decimal_point;
   if (point && point[0] && !(point[0] == '.' && point[1] == '\0') && point[1] == '\0') {
