@@ -2,8 +2,8 @@
 # Installs the Debian packages the project builds, tests and benchmarks with, when any is
 # missing. Runs apt-get update first, as a fresh machine needs.
 set -euo pipefail
-packages=(build-essential cmake pkg-config ccache
-          libicu-dev libplist-dev
+packages=(build-essential cmake pkg-config ccache openssl gzip xxd python3
+          libicu-dev libplist-dev libssl-dev zlib1g-dev
           libgtest-dev libgmock-dev libbenchmark-dev)
 missing=()
 for p in "${packages[@]}"; do

@@ -1,0 +1,93 @@
+#include "tarnvik/codec/gzip.hpp"
+
+#include <zlib.h>
+
+#include <algorithm>
+#include <climits>
+#include <vector>
+
+namespace tarnvik {
+
+namespace {
+
+// The version handed to zlib's initialisers, as the library was first built against.
+constexpr const char* kZlibVersion = "1.2.5";
+constexpr std::size_t kPackIncrement = 16384;
+
+// zlib counts in 32-bit units; larger buffers are fed in slices.
+constexpr std::size_t kMaxChunk = UINT_MAX;
+
+uInt clampChunk(std::size_t n) { return static_cast<uInt>(std::min(n, kMaxChunk)); }
+
+}  // namespace
+
+Data gzipPackedData(const Data& data) {
+  if (data.isEmpty()) return data;
+  z_stream stream{};
+  if (deflateInit2_(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, 31, 8, Z_DEFAULT_STRATEGY,
+                    kZlibVersion, static_cast<int>(sizeof(z_stream))) != Z_OK) {
+    return Data();
+  }
+  // The output grows by 16 KiB whenever it is full; std::vector keeps the reallocations
+  // themselves geometric, so the growth costs amortised linear time.
+  std::vector<std::uint8_t> out(kPackIncrement);
+  const std::uint8_t* in = data.bytes();
+  std::size_t consumed = 0, produced = 0;
+  for (;;) {
+    if (produced == out.size()) out.resize(out.size() + kPackIncrement);
+    const std::size_t remaining = data.length() - consumed;
+    stream.next_in = const_cast<Bytef*>(in + consumed);
+    stream.avail_in = clampChunk(remaining);
+    stream.next_out = out.data() + produced;
+    stream.avail_out = clampChunk(out.size() - produced);
+    const uInt inBefore = stream.avail_in, outBefore = stream.avail_out;
+    const int flush = stream.avail_in == remaining ? Z_FINISH : Z_NO_FLUSH;
+    const int status = deflate(&stream, flush);
+    consumed += inBefore - stream.avail_in;
+    produced += outBefore - stream.avail_out;
+    if (status == Z_STREAM_END) break;
+    if (stream.avail_out != 0 && status != Z_OK) break;  // zlib refused: stop with what we have
+  }
+  deflateEnd(&stream);
+  out.resize(produced);
+  return Data::withVector(std::move(out));
+}
+
+Data gzipUnpackedData(const Data& data) {
+  if (data.isEmpty()) return data;
+  // The buffer starts at the input's length plus half of it and grows by that half; the
+  // half comes from the low 32 bits of the length.
+  const std::size_t half = static_cast<std::uint32_t>(data.length()) >> 1;
+  std::vector<std::uint8_t> out(data.length() + half);
+  z_stream stream{};
+  const std::uint8_t* in = data.bytes();
+  stream.next_in = const_cast<Bytef*>(in);
+  stream.avail_in = clampChunk(data.length());
+  if (inflateInit2_(&stream, 47, kZlibVersion, static_cast<int>(sizeof(z_stream))) != Z_OK) {
+    return Data();
+  }
+  std::size_t consumed = 0, produced = 0;
+  int status = Z_OK;
+  while (status == Z_OK) {
+    if (produced == out.size()) out.resize(out.size() + half);
+    if (stream.avail_in == 0 && consumed < data.length()) {
+      stream.next_in = const_cast<Bytef*>(in + consumed);
+      stream.avail_in = clampChunk(data.length() - consumed);
+    }
+    stream.next_out = out.data() + produced;
+    stream.avail_out = clampChunk(out.size() - produced);
+    const uInt inBefore = stream.avail_in, outBefore = stream.avail_out;
+    status = inflate(&stream, Z_SYNC_FLUSH);
+    consumed += inBefore - stream.avail_in;
+    produced += outBefore - stream.avail_out;
+  }
+  if (status != Z_STREAM_END) {
+    inflateEnd(&stream);
+    return Data();
+  }
+  if (inflateEnd(&stream) != Z_OK) return Data();
+  out.resize(produced);
+  return Data::withVector(std::move(out));
+}
+
+}  // namespace tarnvik

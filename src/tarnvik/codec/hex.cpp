@@ -1,0 +1,134 @@
+#include "tarnvik/codec/hex.hpp"
+
+#include <cstdlib>
+
+#include "tarnvik/core/checks.hpp"
+
+namespace tarnvik {
+
+namespace {
+
+constexpr char16_t kUpper[] = u"0123456789ABCDEF";
+constexpr char16_t kLower[] = u"0123456789abcdef";
+
+void appendHexWithBlanks(std::u16string& out, const std::uint8_t* bytes, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    const char16_t pair[3] = {kUpper[bytes[i] >> 4], kUpper[bytes[i] & 15], u' '};
+    out.append(pair, 3);
+  }
+}
+
+void appendASCII(std::u16string& out, const std::uint8_t* bytes, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::uint8_t b = bytes[i];
+    out.push_back(b >= 32 && b <= 127 ? static_cast<char16_t>(b) : u'.');
+  }
+}
+
+bool lengthIsUsable(const Data& data, std::uint32_t length, const char16_t* operation) {
+  if (length > 0 || data.isEmpty()) return true;
+  KU_PARAMETER_ASSERT(false, "length > 0", operation, Value(data));
+  return false;
+}
+
+int hexDigit(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+}  // namespace
+
+String hexString(const Data& data) {
+  std::u16string out;
+  out.reserve(data.length() * 3);
+  appendHexWithBlanks(out, data.bytes(), data.length());
+  return String(std::move(out));
+}
+
+String asciiString(const Data& data) {
+  std::u16string out;
+  out.reserve(data.length());
+  appendASCII(out, data.bytes(), data.length());
+  return String(std::move(out));
+}
+
+String hexBlockStringOfLength(const Data& data, std::uint32_t length) {
+  if (!lengthIsUsable(data, length, u"-[NSData(KEHexExtensions) hexBlockStringOfLength:]")) {
+    return String(u"");
+  }
+  const std::uint8_t* bytes = data.bytes();
+  std::u16string out;
+  out.reserve(data.length() * 3 + data.length() / (length ? length : 1));
+  for (std::size_t i = 0; i < data.length(); ++i) {
+    if (i > 0 && i % length == 0) out.push_back(u'\n');
+    appendHexWithBlanks(out, bytes + i, 1);
+  }
+  return String(std::move(out));
+}
+
+String hexBlockWithASCIIStringOfLength(const Data& data, std::uint32_t length) {
+  if (!lengthIsUsable(data, length, u"-[NSData(KEHexExtensions) hexBlockWithASCIIStringOfLength:]")) {
+    return String(u"");
+  }
+  const std::uint8_t* bytes = data.bytes();
+  const std::size_t total = data.length();
+  std::u16string out;
+  out.reserve(total / length * (8 + 4 * std::size_t{length}) + 4 * length + 16);
+  char offset[24];
+  for (std::size_t at = 0; at < total; at += length) {
+    const std::size_t count = at + length > total ? total % length : length;
+    const int n = std::snprintf(offset, sizeof offset, "%04zu: ", at);
+    out.append(offset, offset + n);
+    appendHexWithBlanks(out, bytes + at, count);
+    out.push_back(u' ');
+    appendASCII(out, bytes + at, count);
+    out.push_back(u'\n');
+  }
+  return String(std::move(out));
+}
+
+Data ke_dataFromHexString(const String& text) {
+  if (text.isNil()) return Data();
+  const auto units = text.units();
+  const std::size_t pairs = units.size() / 2;
+  std::vector<std::uint8_t> bytes;
+  bytes.reserve(pairs);
+  for (std::size_t i = 0; i < pairs; ++i) {
+    const char pair[3] = {static_cast<char>(units[2 * i] & 0xFF),
+                          static_cast<char>(units[2 * i + 1] & 0xFF), '\0'};
+    const int high = hexDigit(pair[0]), low = hexDigit(pair[1]);
+    if (high >= 0 && low >= 0) {
+      bytes.push_back(static_cast<std::uint8_t>(high << 4 | low));
+    } else {
+      // Anything but two hex digits is read exactly as strtol reads it.
+      bytes.push_back(static_cast<std::uint8_t>(std::strtol(pair, nullptr, 16) & 0xFF));
+    }
+  }
+  return Data::withVector(std::move(bytes));
+}
+
+String hexstringWithBytes(const Data& data) { return hexstringWithBytes(data.bytes(), data.length()); }
+
+String hexstringWithBytes(const void* bytes, std::size_t length) {
+  const auto* b = static_cast<const std::uint8_t*>(bytes);
+  std::u16string out(length * 2, u'0');
+  for (std::size_t i = 0; i < length; ++i) {
+    out[2 * i] = kLower[b[i] >> 4];
+    out[2 * i + 1] = kLower[b[i] & 15];
+  }
+  return String(std::move(out));
+}
+
+Data noCopySubdataWithRange(const Data& data, Range range) {
+  const bool inside = range.location <= data.length() && range.length <= data.length() - range.location;
+  if (!inside) {
+    KU_ASSERT(inside, u"-[NSData(KUDataExtensions) noCopySubdataWithRange:]", Value(data),
+              u"given range for subdata is outside of available data");
+    return Data();
+  }
+  return data.subdataWithRangeNoCopy(range);
+}
+
+}  // namespace tarnvik
