@@ -127,25 +127,5 @@ TEST(OrderedSet, AlgebraKeepsTheStatedOrders) {
   EXPECT_EQ(exceptionName([&] { (void)m.objectAtIndex(5); }).utf8(), "NSRangeException");
 }
 
-TEST(Data, SubrangesWithoutCopyKeepTheirParentAlive) {
-  Data sub;
-  {
-    const Data parent = Data::withString("0123456789");
-    sub = parent.subdataWithRangeNoCopy({2, 3});
-    EXPECT_EQ(sub.bytes(), parent.bytes() + 2);
-  }
-  EXPECT_EQ(sub.asStringView(), "234");
-  Data changed = sub;
-  changed.appendBytes("X", 1);
-  EXPECT_EQ(changed.asStringView(), "234X");
-  EXPECT_EQ(sub.asStringView(), "234");
-  EXPECT_THROW((void)sub.subdataWithRange({2, 2}), Exception);
-  Data self = Data::withString("ab");
-  self.appendData(self);
-  EXPECT_EQ(self.asStringView(), "abab");
-  EXPECT_TRUE(Data().isNil());
-  EXPECT_EQ(Data::data(), Data::withBytes(nullptr, 0));
-}
-
 }  // namespace
 }  // namespace tarnvik

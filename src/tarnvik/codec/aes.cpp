@@ -4,8 +4,6 @@
 
 #include <array>
 #include <climits>
-#include <fstream>
-#include <iterator>
 #include <memory>
 
 namespace tarnvik {
@@ -30,7 +28,7 @@ Data crypt(const Data& input, const String& key, bool encrypt) {
   if (!ctx || EVP_CipherInit_ex(ctx.get(), EVP_aes_256_cbc(), nullptr, k.data(), iv, encrypt ? 1 : 0) != 1) {
     return Data();
   }
-  std::vector<std::uint8_t> out(input.length() + 16);
+  ByteBuffer out(input.length() + 16);
   std::size_t produced = 0;
   const std::uint8_t* in = input.bytes();
   for (std::size_t at = 0; at < input.length(); at += kSlice) {
@@ -44,7 +42,7 @@ Data crypt(const Data& input, const String& key, bool encrypt) {
   produced += static_cast<std::size_t>(written);
   if (!encrypt && input.isEmpty()) return Data();
   out.resize(produced);
-  return Data::withVector(std::move(out));
+  return Data::withBuffer(std::move(out));
 }
 
 }  // namespace
@@ -54,11 +52,9 @@ Data AES256EncryptWithKey(const Data& data, const String& key) { return crypt(da
 Data AES256DecryptWithKey(const Data& data, const String& key) { return crypt(data, key, false); }
 
 String AES256DecryptedStringFromFile(const String& path, const String& key) {
-  std::ifstream file(path.utf8(), std::ios::binary);
-  if (!file) return String();
-  std::vector<std::uint8_t> bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-  if (file.bad()) return String();
-  const Data plain = AES256DecryptWithKey(Data::withVector(std::move(bytes)), key);
+  const Data sealed = Data::dataWithContentsOfFile(path, NSDataReadingMappedIfSafe);
+  if (sealed.isNil()) return String();
+  const Data plain = AES256DecryptWithKey(sealed, key);
   if (plain.isNil()) return String();
   return String::fromUTF8(plain.asStringView());
 }

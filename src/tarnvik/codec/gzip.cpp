@@ -30,7 +30,7 @@ Data gzipPackedData(const Data& data) {
   }
   // The output grows by 16 KiB whenever it is full; std::vector keeps the reallocations
   // themselves geometric, so the growth costs amortised linear time.
-  std::vector<std::uint8_t> out(kPackIncrement);
+  ByteBuffer out(kPackIncrement);
   const std::uint8_t* in = data.bytes();
   std::size_t consumed = 0, produced = 0;
   for (;;) {
@@ -50,7 +50,7 @@ Data gzipPackedData(const Data& data) {
   }
   deflateEnd(&stream);
   out.resize(produced);
-  return Data::withVector(std::move(out));
+  return Data::withBuffer(std::move(out));
 }
 
 Data gzipUnpackedData(const Data& data) {
@@ -58,7 +58,7 @@ Data gzipUnpackedData(const Data& data) {
   // The buffer starts at the input's length plus half of it and grows by that half; the
   // half comes from the low 32 bits of the length.
   const std::size_t half = static_cast<std::uint32_t>(data.length()) >> 1;
-  std::vector<std::uint8_t> out(data.length() + half);
+  ByteBuffer out(data.length() + half);
   z_stream stream{};
   const std::uint8_t* in = data.bytes();
   stream.next_in = const_cast<Bytef*>(in);
@@ -87,7 +87,7 @@ Data gzipUnpackedData(const Data& data) {
   }
   if (inflateEnd(&stream) != Z_OK) return Data();
   out.resize(produced);
-  return Data::withVector(std::move(out));
+  return Data::withBuffer(std::move(out));
 }
 
 }  // namespace tarnvik

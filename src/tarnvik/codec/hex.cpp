@@ -1,6 +1,8 @@
 #include "tarnvik/codec/hex.hpp"
 
+#include <algorithm>
 #include <cstdlib>
+#include <string>
 
 #include "tarnvik/core/checks.hpp"
 
@@ -29,6 +31,13 @@ bool lengthIsUsable(const Data& data, std::uint32_t length, const char16_t* oper
   if (length > 0 || data.isEmpty()) return true;
   KU_PARAMETER_ASSERT(false, "length > 0", operation, Value(data));
   return false;
+}
+
+// Decimal digits of a dump offset, at least four ("%04li").
+std::size_t offsetWidth(std::size_t offset) {
+  std::size_t digits = 1;
+  for (; offset >= 10; offset /= 10) ++digits;
+  return std::max<std::size_t>(digits, 4);
 }
 
 int hexDigit(char c) {
@@ -74,17 +83,34 @@ String hexBlockWithASCIIStringOfLength(const Data& data, std::uint32_t length) {
   }
   const std::uint8_t* bytes = data.bytes();
   const std::size_t total = data.length();
-  std::u16string out;
-  out.reserve(total / length * (8 + 4 * std::size_t{length}) + 4 * length + 16);
-  char offset[24];
+  // Each line: the offset (at least four digits), ": ", three units a byte, " ", one unit a
+  // byte and "\n". The text is sized once and filled in place.
+  std::size_t size = 0;
   for (std::size_t at = 0; at < total; at += length) {
     const std::size_t count = at + length > total ? total % length : length;
-    const int n = std::snprintf(offset, sizeof offset, "%04zu: ", at);
-    out.append(offset, offset + n);
-    appendHexWithBlanks(out, bytes + at, count);
-    out.push_back(u' ');
-    appendASCII(out, bytes + at, count);
-    out.push_back(u'\n');
+    size += offsetWidth(at) + 4 + 4 * count;
+  }
+  std::u16string out(size, u' ');
+  char16_t* w = out.data();
+  for (std::size_t at = 0; at < total; at += length) {
+    const std::size_t count = at + length > total ? total % length : length;
+    const std::size_t width = offsetWidth(at);
+    for (std::size_t i = width, rest = at; i-- > 0; rest /= 10) w[i] = static_cast<char16_t>(u'0' + rest % 10);
+    w += width;
+    *w++ = u':';
+    ++w;
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::uint8_t b = bytes[at + i];
+      w[0] = kUpper[b >> 4];
+      w[1] = kUpper[b & 15];
+      w += 3;  // the blank is already there
+    }
+    ++w;
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::uint8_t b = bytes[at + i];
+      *w++ = b >= 32 && b <= 127 ? static_cast<char16_t>(b) : u'.';
+    }
+    *w++ = u'\n';
   }
   return String(std::move(out));
 }
@@ -93,7 +119,7 @@ Data ke_dataFromHexString(const String& text) {
   if (text.isNil()) return Data();
   const auto units = text.units();
   const std::size_t pairs = units.size() / 2;
-  std::vector<std::uint8_t> bytes;
+  ByteBuffer bytes;
   bytes.reserve(pairs);
   for (std::size_t i = 0; i < pairs; ++i) {
     const char pair[3] = {static_cast<char>(units[2 * i] & 0xFF),
@@ -106,7 +132,7 @@ Data ke_dataFromHexString(const String& text) {
       bytes.push_back(static_cast<std::uint8_t>(std::strtol(pair, nullptr, 16) & 0xFF));
     }
   }
-  return Data::withVector(std::move(bytes));
+  return Data::withBuffer(std::move(bytes));
 }
 
 String hexstringWithBytes(const Data& data) { return hexstringWithBytes(data.bytes(), data.length()); }

@@ -1,5 +1,12 @@
 #include "tarnvik/platform/data.hpp"
 
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <functional>
 
@@ -10,49 +17,182 @@ namespace tarnvik {
 
 namespace {
 
-std::shared_ptr<DataStorage> makeStorage(std::vector<std::uint8_t> bytes) {
-  auto buffer = std::make_shared<std::vector<std::uint8_t>>(std::move(bytes));
-  const UInteger length = buffer->size();
-  return std::make_shared<DataStorage>(DataStorage{std::move(buffer), 0, length});
+std::shared_ptr<DataStorage> bufferStorage(ByteBuffer bytes) {
+  auto buffer = std::make_shared<ByteBuffer>(std::move(bytes));
+  auto storage = std::make_shared<DataStorage>();
+  storage->buffer = buffer.get();
+  storage->bytes = buffer->data();
+  storage->length = buffer->size();
+  storage->owner = std::move(buffer);
+  return storage;
 }
 
 void requireRange(Range range, UInteger length, const char* operation) {
   if (range.location > length || range.length > length - range.location) {
     throw Exception(NSRangeException,
-                    stringWithFormat(u"*** %s: range {%lu, %lu} exceeds data length %lu", operation,
-                                     range.location, range.length, length));
+                    stringWithFormat(u"*** %s: range {%lu, %lu} exceeds data length %lu",
+                                     operation, range.location, range.length, length));
   }
 }
 
+Error fileError(Integer code, const String& path, int posixError) {
+  return Error(NSCocoaErrorDomain, code,
+               Dictionary{{u"NSFilePath", path},
+                          {NSUnderlyingErrorKey, Error(u"NSPOSIXErrorDomain", posixError)}});
+}
+
+Error readError(const String& path, int posixError) {
+  const Integer code = posixError == ENOENT ? 260 : (posixError == EACCES || posixError == EPERM ? 257 : 256);
+  return fileError(code, path, posixError);
+}
+
+// The process's file-creation mask, read once (reading it means setting it).
+mode_t processUmask() {
+  static const mode_t mask = [] {
+    const mode_t m = ::umask(022);
+    ::umask(m);
+    return m;
+  }();
+  return mask;
+}
+
+// Closes the descriptor when it goes out of scope.
+struct FileDescriptor {
+  int fd;
+  ~FileDescriptor() {
+    if (fd >= 0) ::close(fd);
+  }
+};
+
 }  // namespace
 
-Data Data::data() { return Data(makeStorage({})); }
+Data Data::data() { return Data(bufferStorage({})); }
 
 Data Data::withBytes(const void* bytes, UInteger length) {
   const auto* first = static_cast<const std::uint8_t*>(bytes);
-  return Data(makeStorage(length ? std::vector<std::uint8_t>(first, first + length)
-                                 : std::vector<std::uint8_t>()));
+  return Data(bufferStorage(length ? ByteBuffer(first, first + length) : ByteBuffer()));
 }
 Data Data::withBytes(std::span<const std::uint8_t> bytes) {
   return withBytes(bytes.data(), bytes.size());
 }
 Data Data::withString(std::string_view bytes) { return withBytes(bytes.data(), bytes.size()); }
+Data Data::withBuffer(ByteBuffer bytes) { return Data(bufferStorage(std::move(bytes))); }
+
 Data Data::withVector(std::vector<std::uint8_t> bytes) {
-  return Data(makeStorage(std::move(bytes)));
+  auto vector = std::make_shared<std::vector<std::uint8_t>>(std::move(bytes));
+  auto storage = std::make_shared<DataStorage>();
+  storage->bytes = vector->data();
+  storage->length = vector->size();
+  storage->owner = std::move(vector);
+  return Data(std::move(storage));
 }
-Data Data::withLength(UInteger length) {
-  return Data(makeStorage(std::vector<std::uint8_t>(length, 0)));
+
+Data Data::withLength(UInteger length) { return Data(bufferStorage(ByteBuffer(length, 0))); }
+
+Data Data::withBytesNoCopy(const void* bytes, UInteger length,
+                           std::function<void(const void*, UInteger)> deallocator) {
+  auto storage = std::make_shared<DataStorage>();
+  storage->owner = std::shared_ptr<const void>(
+      bytes, [length, deallocator = std::move(deallocator)](const void* p) {
+        if (deallocator) deallocator(p, length);
+      });
+  storage->bytes = static_cast<const std::uint8_t*>(bytes);
+  storage->length = length;
+  return Data(std::move(storage));
 }
+
+Data Data::dataWithContentsOfFile(const String& path, UInteger options, Error* error) {
+  FileDescriptor file{::open(path.utf8().c_str(), O_RDONLY | O_CLOEXEC)};
+  struct stat info {};
+  if (file.fd < 0 || ::fstat(file.fd, &info) != 0) {
+    if (error) *error = readError(path, errno);
+    return Data();
+  }
+  const bool mapped = (options & (NSDataReadingMappedIfSafe | NSDataReadingMappedAlways)) &&
+                      S_ISREG(info.st_mode) && info.st_size > 0;
+  if (mapped) {
+    const auto size = static_cast<std::size_t>(info.st_size);
+    void* address = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file.fd, 0);
+    if (address != MAP_FAILED) {
+      ::madvise(address, size, MADV_SEQUENTIAL);
+      return withBytesNoCopy(address, size, [](const void* p, UInteger n) {
+        ::munmap(const_cast<void*>(p), static_cast<std::size_t>(n));
+      });
+    }
+  }
+  // Read what stat promised, then keep reading in small steps in case the file grew.
+  ByteBuffer bytes(S_ISREG(info.st_mode) ? static_cast<std::size_t>(info.st_size) : 0);
+  std::size_t filled = 0;
+  std::uint8_t step[16384];
+  for (;;) {
+    const bool intoBuffer = filled < bytes.size();
+    std::uint8_t* target = intoBuffer ? bytes.data() + filled : step;
+    const std::size_t room = intoBuffer ? bytes.size() - filled : sizeof step;
+    const ssize_t n = ::read(file.fd, target, room);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) {
+      if (error) *error = readError(path, errno);
+      return Data();
+    }
+    if (n == 0) break;
+    if (!intoBuffer) {
+      bytes.resize(filled);
+      bytes.insert(bytes.end(), step, step + n);
+    }
+    filled += static_cast<std::size_t>(n);
+  }
+  bytes.resize(filled);
+  return withBuffer(std::move(bytes));
+}
+
+bool Data::writeToFile(const String& path, bool atomically, Error* error) const {
+  const std::string target = path.utf8();
+  std::string written = target;
+  int fd = -1;
+  if (atomically) {
+    written = target + ".tarnvik-XXXXXX";
+    fd = ::mkstemp(written.data());
+  } else {
+    fd = ::open(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+  }
+  auto fail = [&](int posixError) {
+    if (atomically && fd >= 0) ::unlink(written.c_str());
+    if (fd >= 0) ::close(fd);
+    if (error) {
+      const Integer code = posixError == ENOSPC ? 640 : (posixError == EACCES || posixError == EPERM ? 513 : 512);
+      *error = fileError(code, path, posixError);
+    }
+    return false;
+  };
+  if (fd < 0) return fail(errno);
+  if (atomically) ::fchmod(fd, 0666 & ~processUmask());
+  for (std::size_t done = 0; done < length();) {
+    const ssize_t n = ::write(fd, bytes() + done, length() - done);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return fail(errno);
+    done += static_cast<std::size_t>(n);
+  }
+  if (atomically && ::fsync(fd) != 0) return fail(errno);
+  if (::close(fd) != 0) {
+    fd = -1;
+    return fail(errno);
+  }
+  if (atomically && ::rename(written.c_str(), target.c_str()) != 0) {
+    const int e = errno;
+    ::unlink(written.c_str());
+    fd = -1;
+    return fail(e);
+  }
+  return true;
+}
+
 Data Data::fromStorage(const std::shared_ptr<void>& storage) {
   return Data(std::static_pointer_cast<DataStorage>(storage));
 }
 
-UInteger Data::length() const { return storage_ ? storage_->length : 0; }
-
 const std::uint8_t* Data::bytes() const {
   static const std::uint8_t none = 0;
-  if (!storage_ || storage_->buffer->empty()) return &none;
-  return storage_->buffer->data() + storage_->offset;
+  return storage_ && storage_->bytes ? storage_->bytes : &none;
 }
 
 Data Data::subdataWithRange(Range range) const {
@@ -63,8 +203,11 @@ Data Data::subdataWithRange(Range range) const {
 Data Data::subdataWithRangeNoCopy(Range range) const {
   requireRange(range, length(), "-[NSData subdataWithRange:]");
   if (isNil()) return Data();
-  return Data(std::make_shared<DataStorage>(
-      DataStorage{storage_->buffer, storage_->offset + range.location, range.length}));
+  auto view = std::make_shared<DataStorage>();
+  view->owner = storage_->owner;
+  view->bytes = bytes() + range.location;
+  view->length = range.length;
+  return Data(std::move(view));
 }
 
 bool Data::isEqualToData(const Data& other) const {
@@ -81,32 +224,32 @@ std::size_t Data::hash() const {
 
 Data Data::copy() const { return isNil() ? Data() : withBytes(bytes(), length()); }
 
-std::vector<std::uint8_t>& Data::detach() {
-  if (!storage_) {
-    storage_ = makeStorage({});
-  } else if (storage_.use_count() > 1 || storage_->buffer.use_count() > 1 ||
-             storage_->offset != 0 || storage_->length != storage_->buffer->size()) {
-    storage_ = makeStorage(std::vector<std::uint8_t>(bytes(), bytes() + length()));
-  }
+ByteBuffer& Data::detach() {
+  const bool inPlace = storage_ && storage_.use_count() == 1 && storage_->buffer &&
+                       storage_->owner.use_count() == 1 &&
+                       storage_->bytes == storage_->buffer->data() &&
+                       storage_->length == storage_->buffer->size();
+  if (!inPlace) storage_ = bufferStorage(ByteBuffer(bytes(), bytes() + length()));
   return *storage_->buffer;
 }
 
+void Data::syncWithBuffer() {
+  storage_->bytes = storage_->buffer->data();
+  storage_->length = storage_->buffer->size();
+}
+
 std::uint8_t* Data::mutableBytes() {
-  auto& buffer = detach();
+  ByteBuffer& buffer = detach();
   return buffer.data();
 }
 
 void Data::appendBytes(const void* bytes, UInteger length) {
-  if (length == 0) {
-    detach();
-    return;
-  }
   const auto* first = static_cast<const std::uint8_t*>(bytes);
   // The bytes may lie inside the receiver's own buffer: copy them first.
-  std::vector<std::uint8_t> incoming(first, first + length);
-  auto& buffer = detach();
+  const ByteBuffer incoming(first, first + length);
+  ByteBuffer& buffer = detach();
   buffer.insert(buffer.end(), incoming.begin(), incoming.end());
-  storage_->length = buffer.size();
+  syncWithBuffer();
 }
 
 void Data::appendData(const Data& other) {
@@ -115,21 +258,21 @@ void Data::appendData(const Data& other) {
 }
 
 void Data::setLength(UInteger length) {
-  auto& buffer = detach();
+  ByteBuffer& buffer = detach();
   buffer.resize(length, 0);
-  storage_->length = length;
+  syncWithBuffer();
 }
 
 void Data::replaceBytesInRange(Range range, const void* bytes, UInteger length) {
   requireRange(range, this->length(), "-[NSMutableData replaceBytesInRange:withBytes:length:]");
   const auto* first = static_cast<const std::uint8_t*>(bytes);
-  std::vector<std::uint8_t> incoming(first, first + length);
-  auto& buffer = detach();
+  const ByteBuffer incoming(first, first + length);
+  ByteBuffer& buffer = detach();
   const auto at = buffer.begin() + static_cast<std::ptrdiff_t>(range.location);
   buffer.erase(at, at + static_cast<std::ptrdiff_t>(range.length));
   buffer.insert(buffer.begin() + static_cast<std::ptrdiff_t>(range.location), incoming.begin(),
                 incoming.end());
-  storage_->length = buffer.size();
+  syncWithBuffer();
 }
 
 }  // namespace tarnvik

@@ -33,15 +33,20 @@ std::u16string fromUTF8(std::string_view utf8, bool lossy, bool* valid) {
 }
 
 std::string toUTF8(std::u16string_view utf16) {
-  if (utf16.empty()) return {};
-  // Each unit becomes at most three bytes (a pair of units, four).
-  std::string out(utf16.size() * 3, '\0');
+  // ASCII is narrowed directly; ICU takes over from the first unit beyond it. Each other
+  // unit becomes at most three bytes (a pair of units, four).
+  std::size_t ascii = 0;
+  while (ascii < utf16.size() && utf16[ascii] < 0x80) ++ascii;
+  std::string out(ascii == utf16.size() ? ascii : ascii + (utf16.size() - ascii) * 3, '\0');
+  for (std::size_t i = 0; i < ascii; ++i) out[i] = static_cast<char>(utf16[i]);
+  if (ascii == utf16.size()) return out;
   std::int32_t length = 0;
   UErrorCode status = U_ZERO_ERROR;
-  u_strToUTF8WithSub(out.data(), static_cast<std::int32_t>(out.size()), &length, utf16.data(),
-                     static_cast<std::int32_t>(utf16.size()), 0xFFFD, nullptr, &status);
+  u_strToUTF8WithSub(out.data() + ascii, static_cast<std::int32_t>(out.size() - ascii), &length,
+                     utf16.data() + ascii, static_cast<std::int32_t>(utf16.size() - ascii), 0xFFFD,
+                     nullptr, &status);
   if (U_FAILURE(status)) return {};
-  out.resize(static_cast<std::size_t>(length));
+  out.resize(ascii + static_cast<std::size_t>(length));
   return out;
 }
 
