@@ -35,11 +35,11 @@ std::u16string fromUTF8(std::string_view utf8, bool lossy, bool* valid) {
 std::string toUTF8(std::u16string_view utf16) {
   // ASCII is narrowed directly; ICU takes over from the first unit beyond it. Each other
   // unit becomes at most three bytes (a pair of units, four).
+  std::string out(utf16.size(), '\0');
   std::size_t ascii = 0;
-  while (ascii < utf16.size() && utf16[ascii] < 0x80) ++ascii;
-  std::string out(ascii == utf16.size() ? ascii : ascii + (utf16.size() - ascii) * 3, '\0');
-  for (std::size_t i = 0; i < ascii; ++i) out[i] = static_cast<char>(utf16[i]);
+  for (; ascii < utf16.size() && utf16[ascii] < 0x80; ++ascii) out[ascii] = static_cast<char>(utf16[ascii]);
   if (ascii == utf16.size()) return out;
+  out.resize(ascii + (utf16.size() - ascii) * 3);
   std::int32_t length = 0;
   UErrorCode status = U_ZERO_ERROR;
   u_strToUTF8WithSub(out.data() + ascii, static_cast<std::int32_t>(out.size() - ascii), &length,
