@@ -12,6 +12,7 @@
 
 #include "tarnvik/platform/error.hpp"
 #include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/internal/file_errors.hpp"
 
 namespace tarnvik {
 
@@ -33,17 +34,6 @@ void requireRange(Range range, UInteger length, const char* operation) {
                     stringWithFormat(u"*** %s: range {%lu, %lu} exceeds data length %lu",
                                      operation, range.location, range.length, length));
   }
-}
-
-Error fileError(Integer code, const String& path, int posixError) {
-  return Error(NSCocoaErrorDomain, code,
-               Dictionary{{u"NSFilePath", path},
-                          {NSUnderlyingErrorKey, Error(u"NSPOSIXErrorDomain", posixError)}});
-}
-
-Error readError(const String& path, int posixError) {
-  const Integer code = posixError == ENOENT ? 260 : (posixError == EACCES || posixError == EPERM ? 257 : 256);
-  return fileError(code, path, posixError);
 }
 
 // The process's file-creation mask, read once (reading it means setting it).
@@ -105,7 +95,7 @@ Data Data::dataWithContentsOfFile(const String& path, UInteger options, Error* e
   FileDescriptor file{::open(path.utf8().c_str(), O_RDONLY | O_CLOEXEC)};
   struct stat info {};
   if (file.fd < 0 || ::fstat(file.fd, &info) != 0) {
-    if (error) *error = readError(path, errno);
+    if (error) *error = file_errors::reading(path, errno);
     return Data();
   }
   const bool mapped = (options & (NSDataReadingMappedIfSafe | NSDataReadingMappedAlways)) &&
@@ -131,7 +121,7 @@ Data Data::dataWithContentsOfFile(const String& path, UInteger options, Error* e
     const ssize_t n = ::read(file.fd, target, room);
     if (n < 0 && errno == EINTR) continue;
     if (n < 0) {
-      if (error) *error = readError(path, errno);
+      if (error) *error = file_errors::reading(path, errno);
       return Data();
     }
     if (n == 0) break;
@@ -158,10 +148,7 @@ bool Data::writeToFile(const String& path, bool atomically, Error* error) const 
   auto fail = [&](int posixError) {
     if (atomically && fd >= 0) ::unlink(written.c_str());
     if (fd >= 0) ::close(fd);
-    if (error) {
-      const Integer code = posixError == ENOSPC ? 640 : (posixError == EACCES || posixError == EPERM ? 513 : 512);
-      *error = fileError(code, path, posixError);
-    }
+    if (error) *error = file_errors::writing(path, posixError);
     return false;
   };
   if (fd < 0) return fail(errno);

@@ -17,6 +17,14 @@ namespace tarnvik {
 
 class Array;
 class CharacterSet;
+class Data;
+
+enum StringEncoding : UInteger {
+  NSASCIIStringEncoding = 1,
+  NSUTF8StringEncoding = 4,
+  NSISOLatin1StringEncoding = 5,
+  NSUTF16StringEncoding = 10,
+};
 
 // A cheap-to-copy handle to shared, copy-on-write UTF-16 storage. A default-constructed
 // String is nil; String(u"") is empty. Lengths, indexes and ranges count UTF-16 units.
@@ -71,6 +79,20 @@ class String {
   // Literal (unit by unit) ordering; nil sorts like the empty string.
   ComparisonResult compare(const String& other) const;
   ComparisonResult caseInsensitiveCompare(const String& other) const;
+  // Ordering under the option bits (see string_compare.cpp for the collation):
+  // NSCaseInsensitiveSearch folds case; NSLiteralSearch compares units as they are, while
+  // without it canonically equivalent texts (precomposed or combining accents) are equal;
+  // NSNumericSearch compares runs of decimal digits (general category Nd) by value;
+  // NSDiacriticInsensitiveSearch ignores accents; NSWidthInsensitiveSearch folds full-width
+  // forms to their ASCII counterparts; NSForcedOrderingSearch breaks every tie between
+  // texts that are not identical by their units, so only identical texts compare the same.
+  // The range selects the part of the receiver compared (NSRangeException when outside it).
+  ComparisonResult compare(const String& other, UInteger options) const;
+  ComparisonResult compare(const String& other, UInteger options, Range range) const;
+  // The longest prefix of the receiver that matches the start of the other text under
+  // NSCaseInsensitiveSearch, NSLiteralSearch, NSDiacriticInsensitiveSearch and
+  // NSWidthInsensitiveSearch; the receiver's own units are returned.
+  String commonPrefixWithString(const String& other, UInteger options) const;
 
   // Search with NSCaseInsensitiveSearch (simple Unicode case folding per unit),
   // NSLiteralSearch, NSBackwardsSearch and NSAnchoredSearch. {NSNotFound, 0} when absent
@@ -112,6 +134,42 @@ class String {
   // YES when, after whitespace, an optional sign and leading zeros, the text starts with
   // 'Y', 'y', 'T', 't' or a digit 1-9.
   bool boolValue() const;
+
+  // Paths, with POSIX semantics: "/" separates components; an absolute path's first
+  // component is "/", a trailing "/" is a last component "/", and empty components are
+  // dropped ("a//b" has the components a and b).
+  Array pathComponents() const;
+  static String pathWithComponents(const Array& components);
+  bool isAbsolutePath() const;
+  // The last component ("/" for "/", "" for ""); trailing slashes are ignored.
+  String lastPathComponent() const;
+  // The receiver without its last component: "/a/b" gives "/a", "/a" gives "/", "a" gives "".
+  String stringByDeletingLastPathComponent() const;
+  // Joined with one "/", without a trailing one: "a" + "b" gives "a/b", "" + "b" gives "b".
+  String stringByAppendingPathComponent(const String& component) const;
+  // The text after the last "." of the last component, unless that "." starts it.
+  String pathExtension() const;
+  String stringByDeletingPathExtension() const;
+  // nil when the receiver has no last component to carry the extension ("" or "/").
+  String stringByAppendingPathExtension(const String& extension) const;
+  // "~" and "~/..." become the home folder ($HOME, else the password database), "~user/..."
+  // that user's; anything else is returned as it is.
+  String stringByExpandingTildeInPath() const;
+  // Tilde expanded, empty and "." components dropped, trailing "/" removed, and in absolute
+  // paths ".." resolved against the previous component ("/.." is "/").
+  String stringByStandardizingPath() const;
+  // An absolute path with every symbolic link of its existing part resolved and the rest
+  // standardised; a relative path is only standardised.
+  String stringByResolvingSymlinksInPath() const;
+
+  // The text in another encoding: NSASCIIStringEncoding (with lossy conversion, Latin
+  // letters lose their accents through ICU's Latin-ASCII transform and what has no ASCII
+  // form becomes "?"; without it, nil for non-ASCII text), NSUTF8StringEncoding,
+  // NSISOLatin1StringEncoding (lossy: "?" beyond U+00FF) and NSUTF16StringEncoding
+  // (little-endian, no byte-order mark). nil for a nil receiver or an unknown encoding.
+  Data dataUsingEncoding(UInteger encoding, bool allowLossyConversion = false) const;
+  // Decodes bytes in one of those encodings; nil when they are not valid in it.
+  static String withData(const Data& data, UInteger encoding);
 
   // Changing the receiver (it detaches from other copies; a nil receiver becomes empty).
   void appendString(const String& other);
