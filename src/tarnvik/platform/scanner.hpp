@@ -27,6 +27,8 @@ class Scanner {
   void setCaseSensitive(bool caseSensitive) { caseSensitive_ = caseSensitive; }
   // A nil set skips nothing.
   void setCharactersToBeSkipped(const CharacterSet* set);
+  // The set skipped before each item, or nullptr when nothing is skipped.
+  const CharacterSet* charactersToBeSkipped() const { return skipping_ ? &skipSet_ : nullptr; }
   // True when only characters to be skipped remain.
   bool isAtEnd() const;
 

@@ -89,6 +89,9 @@ class String {
   // The range selects the part of the receiver compared (NSRangeException when outside it).
   ComparisonResult compare(const String& other, UInteger options) const;
   ComparisonResult compare(const String& other, UInteger options, Range range) const;
+  // The same ordering over raw unit views, for callers that compare parts of texts.
+  static ComparisonResult compareUnits(std::u16string_view a, std::u16string_view b,
+                                       UInteger options);
   // The longest prefix of the receiver that matches the start of the other text under
   // NSCaseInsensitiveSearch, NSLiteralSearch, NSDiacriticInsensitiveSearch and
   // NSWidthInsensitiveSearch; the receiver's own units are returned.

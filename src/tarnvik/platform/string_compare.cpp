@@ -139,7 +139,11 @@ ComparisonResult String::compare(const String& other, UInteger options) const {
 
 ComparisonResult String::compare(const String& other, UInteger options, Range range) const {
   checkRangeInLength(range, length(), "-[NSString compare:options:range:]");
-  const std::u16string_view a = units().substr(range.location, range.length), b = other.units();
+  return compareUnits(units().substr(range.location, range.length), other.units(), options);
+}
+
+ComparisonResult String::compareUnits(std::u16string_view a, std::u16string_view b,
+                                      UInteger options) {
   const Folding folding = foldingFor(options);
   int c = 0;
   const bool decompose = !(options & NSLiteralSearch) || folding.diacritics;
