@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <random>
 
 #include "tarnvik/platform/error.hpp"
 
@@ -86,6 +87,35 @@ TEST(SequenceOrder, SortsARealisticReel) {
   for (const String& n : names) sorted.push_back(n.utf8());
   EXPECT_EQ(sorted, (std::vector<std::string>{"A001C001.mov", "A001C002.mov", "A001C010.mov", "clip9.mov",
                                               "clip10.mov", "Take B.mov", "Reel_9.mxf", "Reel_10.mxf"}));
+}
+
+TEST(SequenceOrder, KeyedSortAgreesWithTheComparator) {
+  // Mixed forms with case variants, leading zeros, long digit runs and duplicates; once in
+  // printable ASCII (the keyed path) and once with a non-ASCII name (the comparator path).
+  std::mt19937 random(3);
+  const char16_t* stems[] = {u"A001C", u"a001c", u"clip", u"Clip", u"Reel_", u"Take ", u"x", u""};
+  const char16_t* extensions[] = {u".mov", u".MOV", u".mxf", u"", u".tar.gz", u"."};
+  for (const char16_t* extra : {u"plain", u"caf\u00E9.mov"}) {
+    std::vector<String> names{String(extra)};
+    for (int i = 0; i < 3000; ++i) {
+      String name = stems[random() % 8];
+      const int digits = static_cast<int>(random() % 4);
+      for (int d = 0; d < digits; ++d) name.appendString(String(std::to_string(random() % (d == 2 ? 100000 : 12))));
+      if (random() % 50 == 0) name.appendString(u"123456789012345678901234567890");
+      name.appendString(extensions[random() % 6]);
+      names.push_back(name);
+    }
+    std::vector<std::u16string_view> views;
+    for (const String& n : names) views.push_back(n.units());
+    std::vector<String> keyed;
+    for (const std::size_t i : sequenceOrder(views)) keyed.push_back(names[i]);
+    std::vector<String> expected = names;
+    std::sort(expected.begin(), expected.end(),
+              [](const String& a, const String& b) { return compareForSequence(a, b) == NSOrderedAscending; });
+    ASSERT_EQ(keyed.size(), expected.size());
+    for (std::size_t i = 0; i < keyed.size(); ++i) ASSERT_EQ(keyed[i], expected[i]) << "at " << i;
+  }
+  EXPECT_TRUE(sequenceOrder({}).empty());
 }
 
 TEST(IntegerForms, DottedThousands) {

@@ -101,8 +101,59 @@ void readDigitRun(std::u16string_view s, std::size_t& i, std::u16string& digits)
   }
 }
 
-int compareFolded(std::u16string_view a, std::u16string_view b, const Folding& f) {
-  std::size_t i = 0, j = 0, startA = 0, startB = 0;
+bool isASCIIDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
+
+// The general comparison from positions i and j on.
+int compareFoldedFrom(std::u16string_view a, std::u16string_view b, const Folding& f,
+                      std::size_t i, std::size_t j);
+
+// The common case, names in ASCII, without ICU; it hands over to the general comparison at
+// the first unit beyond ASCII (a digit run that continues beyond ASCII is handed over
+// whole, from its start). What is left from there is compared in canonical decomposition
+// when `decompose` asks for it: an ASCII character is a starter that nothing before it
+// combines with, so decomposing from there is the same as decomposing the whole.
+int compareFolded(std::u16string_view a, std::u16string_view b, const Folding& f, bool decompose) {
+  std::size_t i = 0, j = 0;
+  while (i < a.size() && j < b.size()) {
+    char16_t x = a[i], y = b[j];
+    if (x >= 0x80 || y >= 0x80) break;
+    if (f.numeric && isASCIIDigit(x) && isASCIIDigit(y)) {
+      std::size_t endA = i, endB = j;
+      while (endA < a.size() && isASCIIDigit(a[endA])) ++endA;
+      while (endB < b.size() && isASCIIDigit(b[endB])) ++endB;
+      if ((endA < a.size() && a[endA] >= 0x80) || (endB < b.size() && b[endB] >= 0x80)) break;
+      std::size_t sigA = i, sigB = j;
+      while (sigA < endA && a[sigA] == u'0') ++sigA;
+      while (sigB < endB && b[sigB] == u'0') ++sigB;
+      if (endA - sigA != endB - sigB) return endA - sigA < endB - sigB ? -1 : 1;
+      const int c = a.substr(sigA, endA - sigA).compare(b.substr(sigB, endB - sigB));
+      if (c != 0) return c < 0 ? -1 : 1;
+      i = endA;
+      j = endB;
+      continue;
+    }
+    if (f.caseless) {
+      if (x >= u'A' && x <= u'Z') x += 32;
+      if (y >= u'A' && y <= u'Z') y += 32;
+    }
+    if (x != y) return x < y ? -1 : 1;
+    ++i;
+    ++j;
+  }
+  const std::u16string_view restA = a.substr(i), restB = b.substr(j);
+  if ((restA.empty() || restA[0] < 0x80) && (restB.empty() || restB[0] < 0x80)) {
+    // One text ended where the other goes on with a real character, or both ended.
+    if (restA.empty() || restB.empty()) return restA.empty() ? (restB.empty() ? 0 : -1) : 1;
+  }
+  if (decompose && (mayNeedDecomposition(restA) || mayNeedDecomposition(restB))) {
+    return compareFoldedFrom(decomposed(restA), decomposed(restB), f, 0, 0);
+  }
+  return compareFoldedFrom(a, b, f, i, j);
+}
+
+int compareFoldedFrom(std::u16string_view a, std::u16string_view b, const Folding& f,
+                      std::size_t i, std::size_t j) {
+  std::size_t startA = 0, startB = 0;
   std::u16string runA, runB;
   for (;;) {
     const UChar32 x = next(a, i, f, startA), y = next(b, j, f, startB);
@@ -147,11 +198,7 @@ ComparisonResult String::compareUnits(std::u16string_view a, std::u16string_view
   const Folding folding = foldingFor(options);
   int c = 0;
   const bool decompose = !(options & NSLiteralSearch) || folding.diacritics;
-  if (decompose && (mayNeedDecomposition(a) || mayNeedDecomposition(b))) {
-    c = compareFolded(decomposed(a), decomposed(b), folding);
-  } else {
-    c = compareFolded(a, b, folding);
-  }
+  c = compareFolded(a, b, folding, decompose);
   if (c == 0 && (options & NSForcedOrderingSearch)) c = a.compare(b);
   return toResult(c);
 }
