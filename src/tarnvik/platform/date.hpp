@@ -5,6 +5,7 @@
 #pragma once
 
 #include <compare>
+#include <functional>
 
 namespace tarnvik {
 
@@ -16,7 +17,12 @@ inline constexpr TimeInterval NSTimeIntervalSince1970 = 978307200.0;
 struct Date {
   TimeInterval timeIntervalSinceReferenceDate = 0;
 
+  // The current instant, from the clock installed with setClock (the system clock unless
+  // one was installed).
   static Date now();
+  // Replaces the clock behind now() for the whole process, so that tests can fix "now";
+  // nullptr restores the system clock.
+  static void setClock(std::function<Date()> clock);
   static constexpr Date dateWithTimeIntervalSince1970(TimeInterval seconds) {
     return Date{seconds - NSTimeIntervalSince1970};
   }

@@ -6,6 +6,7 @@
 
 #include "tarnvik/platform/array.hpp"
 #include "tarnvik/platform/bundle.hpp"
+#include "tarnvik/platform/calendar.hpp"
 #include "tarnvik/platform/character_set.hpp"
 #include "tarnvik/platform/data.hpp"
 #include "tarnvik/platform/date.hpp"
