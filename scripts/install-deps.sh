@@ -3,7 +3,7 @@
 # missing. Runs apt-get update first, as a fresh machine needs.
 set -euo pipefail
 packages=(build-essential cmake pkg-config ccache openssl gzip xxd python3
-          libicu-dev libplist-dev libssl-dev zlib1g-dev
+          libicu-dev libplist-dev libssl-dev zlib1g-dev liburiparser-dev
           libgtest-dev libgmock-dev libbenchmark-dev)
 missing=()
 for p in "${packages[@]}"; do

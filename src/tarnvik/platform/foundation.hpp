@@ -22,4 +22,6 @@
 #include "tarnvik/platform/set.hpp"
 #include "tarnvik/platform/string.hpp"
 #include "tarnvik/platform/types.hpp"
+#include "tarnvik/platform/url.hpp"
+#include "tarnvik/platform/url_request.hpp"
 #include "tarnvik/platform/value.hpp"

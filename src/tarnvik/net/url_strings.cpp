@@ -1,0 +1,239 @@
+#include "tarnvik/net/url_strings.hpp"
+
+#include "tarnvik/core/checks.hpp"
+#include "tarnvik/platform/format.hpp"
+
+namespace tarnvik {
+
+namespace {
+
+UInteger modeOf(UInteger options, UInteger zeroMeans) {
+  const UInteger mode = options & 7;
+  return mode == 0 ? zeroMeans : mode;
+}
+
+// The text before the query and the fragment.
+String pathPart(const String& url) {
+  const String withoutFragment = stringByDeletingURLFragment(url);
+  const Range query = rangeOfURLQuery(withoutFragment);
+  return query.location == NSNotFound ? withoutFragment : withoutFragment.substringToIndex(query.location);
+}
+
+// The path with the receiver's query and fragment put back.
+String withQueryAndFragmentOf(const String& path, const String& url) {
+  return stringByAppendingURLFragment(stringByAppendingURLQuery(path, URLQuery(url)), URLFragment(url));
+}
+
+// Query keys and values must be text; anything else is the caller's mistake.
+String encodedValue(const Value& value) {
+  if (!value.isString()) {
+    raiseInvalidArgumentFormat(u"-[%@ URLEncodedString]: unrecognized selector sent to instance %p",
+                               value.isNil() ? String(u"nil") : value.className(),
+                               value.storage().get());
+  }
+  return URLEncodedString(value.asString());
+}
+
+void appendPair(String& text, const String& format, const String& name, const Value& value) {
+  if (!text.isEmpty()) text.appendString(u"&");
+  appendFormat(text, format, name, encodedValue(value));
+}
+
+}  // namespace
+
+String URLEncodedString(const String& text) {
+  return stringByAddingPercentEscapes(text, u"", u"!*'\"();:@&=+$,/?%#[]% ");
+}
+
+String URLDecodedString(const String& text, bool plusAsSpace) {
+  const String source = plusAsSpace ? text.stringByReplacingOccurrencesOfString(u"+", u" ") : text;
+  return stringByRemovingPercentEncoding(source);
+}
+
+String lastURLPathComponent(const String& url) {
+  const String path = pathPart(url);
+  const Range slash = path.rangeOfString(u"/", NSBackwardsSearch);
+  return slash.location == NSNotFound ? path : path.substringFromIndex(slash.end());
+}
+
+String URLPathExtension(const String& url) { return lastURLPathComponent(url).pathExtension(); }
+
+String stringByAppendingURLPathComponent(const String& url, const String& component) {
+  String path = pathPart(url);
+  const String name = component.hasPrefix(u"/") ? component.substringFromIndex(1) : component;
+  if (!path.isEmpty() && !path.hasSuffix(u"/")) path.appendString(u"/");
+  path.appendString(name);
+  return withQueryAndFragmentOf(path, url);
+}
+
+String stringByDeletingLastURLPathComponent(const String& url) {
+  String path = pathPart(url);
+  const Range slash = path.rangeOfString(u"/", NSBackwardsSearch);
+  if (slash.location != NSNotFound) path = path.substringToIndex(slash.end());
+  return withQueryAndFragmentOf(path, url);
+}
+
+String stringByAppendingURLPathExtension(const String& url, const String& extension) {
+  const String named = lastURLPathComponent(url).stringByAppendingPathExtension(extension);
+  return stringByAppendingURLPathComponent(stringByDeletingLastURLPathComponent(url),
+                                           named.isNil() ? String(u"") : named);
+}
+
+String stringByDeletingURLPathExtension(const String& url) {
+  return stringByAppendingURLPathComponent(stringByDeletingLastURLPathComponent(url),
+                                           lastURLPathComponent(url).stringByDeletingPathExtension());
+}
+
+Range rangeOfURLQuery(const String& url) {
+  const Range hash = url.rangeOfString(u"#");
+  const UInteger end = hash.location == NSNotFound ? url.length() : hash.location;
+  const Range question = url.rangeOfString(u"?");
+  // A "?" inside the fragment belongs to the fragment.
+  if (question.location != NSNotFound && question.location <= end) return {question.location, end - question.location};
+  if (url.rangeOfString(u"=", 0, {0, end}).location != NSNotFound) return {0, end};
+  return {NSNotFound, 0};
+}
+
+String URLQuery(const String& url) {
+  const Range range = rangeOfURLQuery(url);
+  if (range.location == NSNotFound) return String();
+  const String text = url.substringWithRange(range);
+  return text.hasPrefix(u"?") ? text.substringFromIndex(1) : text;
+}
+
+String stringByDeletingURLQuery(const String& url) {
+  const Range range = rangeOfURLQuery(url);
+  return range.location == NSNotFound ? url : url.stringByReplacingCharactersInRange(range, u"");
+}
+
+String stringByReplacingURLQueryWithQuery(const String& url, const String& query) {
+  return stringByAppendingURLQuery(stringByDeletingURLQuery(url), query);
+}
+
+String stringByAppendingURLQuery(const String& url, const String& query) {
+  if (query.isEmpty()) return url;
+  const String fragment = URLFragment(url);
+  String result = stringByDeletingURLFragment(url);
+  const String existing = URLQuery(result);
+  if (existing.isNil()) {
+    appendFormat(result, u"?%@", query);
+  } else if (!existing.isEmpty()) {
+    appendFormat(result, u"&%@", query);
+  } else {
+    result.appendString(query);
+  }
+  if (!fragment.isEmpty()) appendFormat(result, u"#%@", fragment);
+  return result;
+}
+
+String URLQueryWithParameters(const Dictionary& parameters, UInteger options) {
+  const UInteger mode = modeOf(options, URLQueryArrayModeAll);
+  const bool syntax = options & URLQueryArraySyntax;
+  String text = u"";
+  for (const auto& [key, value] : parameters) {
+    const String name = encodedValue(key);
+    const Array array = value.asArray();
+    if (array.isNil()) {
+      appendPair(text, mode == 4 && syntax ? u"%@[]=%@" : u"%@=%@", name, value);
+    } else if (mode == 1 && !array.isEmpty()) {
+      appendPair(text, u"%@=%@", name, array.lastObject());
+    } else if (mode == 2 && !array.isEmpty()) {
+      appendPair(text, u"%@=%@", name, array.firstObject());
+    } else {
+      for (const Value& element : array) appendPair(text, syntax ? u"%@[]=%@" : u"%@=%@", name, element);
+    }
+  }
+  return text;
+}
+
+Dictionary URLQueryParameters(const String& url) { return URLQueryParametersWithOptions(url, 0); }
+
+Dictionary URLQueryParametersWithOptions(const String& url, UInteger options) {
+  const UInteger mode = modeOf(options, URLQueryArrayModeLast);
+  Dictionary parameters = Dictionary::dictionary();
+  const String query = URLQuery(url);
+  if (query.isNil()) return parameters;
+  for (const Value& part : query.componentsSeparatedByString(u"&")) {
+    const Array pieces = part.asString().componentsSeparatedByString(u"=");
+    if (pieces.count() < 2) continue;
+    String name = URLDecodedString(pieces[0].asString(), true);
+    const String value = URLDecodedString(pieces[1].asString(), true);
+    if (name.isNil() || value.isNil()) continue;  // escapes that are not UTF-8: no parameter
+    const bool arraySyntax = name.hasSuffix(u"[]");
+    if (arraySyntax) name = name.substringToIndex(name.length() - 2);
+    const Value existing = parameters.objectForKey(name);
+    if (!existing.asArray().isNil()) {
+      parameters.setObject(existing.asArray().arrayByAddingObject(value), name);
+    } else if (!existing.isNil()) {
+      if (mode == 1) parameters.setObject(value, name);
+      if (mode != 1 && mode != 2) parameters.setObject(Array{existing, value}, name);
+    } else if (mode == 4 || (arraySyntax && (mode == 3 || mode >= 5))) {
+      parameters.setObject(Array{value}, name);
+    } else {
+      parameters.setObject(value, name);
+    }
+  }
+  return parameters;
+}
+
+String stringByMergingURLQuery(const String& url, const String& other, UInteger options) {
+  const UInteger mode = modeOf(options, URLQueryArrayModeLast);
+  const String newQuery = URLQuery(other);
+  if (newQuery.isEmpty()) return url;
+  if (URLQuery(url).isEmpty()) return stringByAppendingURLQuery(url, newQuery);
+  Dictionary merged = URLQueryParametersWithOptions(url, options);
+  const Dictionary incoming = URLQueryParametersWithOptions(newQuery, options);
+  for (const auto& [name, value] : incoming) {
+    const Value old = merged.objectForKey(name);
+    const Array oldArray = old.asArray(), newArray = value.asArray();
+    if (!oldArray.isNil()) {
+      merged.setObject(newArray.isNil() ? oldArray.arrayByAddingObject(value) : oldArray.arrayByAddingObjectsFromArray(newArray), name);
+    } else if (!old.isNil() && !newArray.isNil()) {
+      merged.setObject(Array{old}.arrayByAddingObjectsFromArray(newArray), name);
+    } else if (!old.isNil()) {
+      if (mode == 3 || mode == 4) merged.setObject(Array{old, value}, name);
+      if (mode != 2 && mode != 3 && mode != 4) merged.setObject(value, name);
+    } else {
+      merged.setObject(mode == 4 ? Value(Array{value}) : value, name);
+    }
+  }
+  return stringByReplacingURLQueryWithQuery(url, URLQueryWithParameters(merged, options));
+}
+
+String URLFragment(const String& url) {
+  const Range hash = url.rangeOfString(u"#");
+  return hash.location == NSNotFound ? String() : url.substringFromIndex(hash.end());
+}
+
+String stringByDeletingURLFragment(const String& url) {
+  const Range hash = url.rangeOfString(u"#");
+  return hash.location == NSNotFound ? url : url.substringToIndex(hash.location);
+}
+
+String stringByAppendingURLFragment(const String& url, const String& fragment) {
+  if (fragment.isNil()) return url;
+  if (url.containsString(u"#")) return url.stringByAppendingString(fragment);
+  return url.stringByAppendingString(stringWithFormat(u"#%@", fragment));
+}
+
+URL URLValue(const String& text) {
+  return text.isAbsolutePath() ? URL::fileURLWithPath(text) : URL::URLWithString(text);
+}
+
+URL URLValueRelativeToURL(const String& text, const URL& base) { return URL::URLWithString(text, base); }
+
+String base64EncodedString(const String& text) {
+  if (text.isEmpty()) return String();
+  const std::string bytes = text.utf8();
+  return base64EncodedStringFromBytes(
+      std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()));
+}
+
+String base64DecodedString(const String& text) {
+  const Data ascii = text.dataUsingEncoding(NSASCIIStringEncoding, true);
+  const Data bytes = base64DecodedDataTolerant(ascii.asStringView());
+  if (bytes.isEmpty()) return String();
+  return String::fromUTF8(bytes.asStringView());
+}
+
+}  // namespace tarnvik
