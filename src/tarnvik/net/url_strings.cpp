@@ -1,5 +1,8 @@
 #include "tarnvik/net/url_strings.hpp"
 
+#include <unordered_map>
+#include <vector>
+
 #include "tarnvik/core/checks.hpp"
 #include "tarnvik/platform/format.hpp"
 
@@ -34,20 +37,27 @@ String encodedValue(const Value& value) {
   return URLEncodedString(value.asString());
 }
 
-void appendPair(String& text, const String& format, const String& name, const Value& value) {
-  if (!text.isEmpty()) text.appendString(u"&");
-  appendFormat(text, format, name, encodedValue(value));
+// "&" between pairs, then name, "[]" when asked, "=" and the encoded value.
+void appendPair(std::u16string& text, bool brackets, const String& name, const Value& value) {
+  if (!text.empty()) text.push_back(u'&');
+  text.append(name.units());
+  if (brackets) text.append(u"[]");
+  text.push_back(u'=');
+  text.append(encodedValue(value).units());
 }
 
 }  // namespace
 
 String URLEncodedString(const String& text) {
-  return stringByAddingPercentEscapes(text, u"", u"!*'\"();:@&=+$,/?%#[]% ");
+  static const PercentEscapes escapes(u"", u"!*'\"();:@&=+$,/?%#[]% ");
+  return escapes.apply(text);
 }
 
 String URLDecodedString(const String& text, bool plusAsSpace) {
-  const String source = plusAsSpace ? text.stringByReplacingOccurrencesOfString(u"+", u" ") : text;
-  return stringByRemovingPercentEncoding(source);
+  if (text.isNil()) return String();
+  std::u16string out;
+  if (!decodePercentEscapes(text.units(), plusAsSpace, out)) return String();
+  return String(std::move(out));
 }
 
 String lastURLPathComponent(const String& url) {
@@ -129,48 +139,77 @@ String stringByAppendingURLQuery(const String& url, const String& query) {
 String URLQueryWithParameters(const Dictionary& parameters, UInteger options) {
   const UInteger mode = modeOf(options, URLQueryArrayModeAll);
   const bool syntax = options & URLQueryArraySyntax;
-  String text = u"";
+  std::u16string text;
   for (const auto& [key, value] : parameters) {
     const String name = encodedValue(key);
     const Array array = value.asArray();
     if (array.isNil()) {
-      appendPair(text, mode == 4 && syntax ? u"%@[]=%@" : u"%@=%@", name, value);
+      appendPair(text, mode == 4 && syntax, name, value);
     } else if (mode == 1 && !array.isEmpty()) {
-      appendPair(text, u"%@=%@", name, array.lastObject());
+      appendPair(text, false, name, array.lastObject());
     } else if (mode == 2 && !array.isEmpty()) {
-      appendPair(text, u"%@=%@", name, array.firstObject());
+      appendPair(text, false, name, array.firstObject());
     } else {
-      for (const Value& element : array) appendPair(text, syntax ? u"%@[]=%@" : u"%@=%@", name, element);
+      for (const Value& element : array) appendPair(text, syntax, name, element);
     }
   }
-  return text;
+  return String(std::move(text));
 }
 
 Dictionary URLQueryParameters(const String& url) { return URLQueryParametersWithOptions(url, 0); }
 
 Dictionary URLQueryParametersWithOptions(const String& url, UInteger options) {
   const UInteger mode = modeOf(options, URLQueryArrayModeLast);
-  Dictionary parameters = Dictionary::dictionary();
   const String query = URLQuery(url);
-  if (query.isNil()) return parameters;
-  for (const Value& part : query.componentsSeparatedByString(u"&")) {
-    const Array pieces = part.asString().componentsSeparatedByString(u"=");
-    if (pieces.count() < 2) continue;
-    String name = URLDecodedString(pieces[0].asString(), true);
-    const String value = URLDecodedString(pieces[1].asString(), true);
-    if (name.isNil() || value.isNil()) continue;  // escapes that are not UTF-8: no parameter
-    const bool arraySyntax = name.hasSuffix(u"[]");
-    if (arraySyntax) name = name.substringToIndex(name.length() - 2);
-    const Value existing = parameters.objectForKey(name);
-    if (!existing.asArray().isNil()) {
-      parameters.setObject(existing.asArray().arrayByAddingObject(value), name);
-    } else if (!existing.isNil()) {
-      if (mode == 1) parameters.setObject(value, name);
-      if (mode != 1 && mode != 2) parameters.setObject(Array{existing, value}, name);
-    } else if (mode == 4 || (arraySyntax && (mode == 3 || mode >= 5))) {
-      parameters.setObject(Array{value}, name);
+  if (query.isNil()) return Dictionary::dictionary();
+  // Collected by name first, in order of first appearance, then turned into the dictionary.
+  struct Entry {
+    std::u16string name;
+    bool isArray = false;
+    std::vector<String> values;
+  };
+  std::vector<Entry> entries;
+  std::unordered_map<std::u16string, std::size_t> positions;
+  const std::u16string_view all = query.units();
+  for (std::size_t start = 0; start <= all.size();) {
+    const std::size_t end = std::min(all.find(u'&', start), all.size());
+    const std::u16string_view part = all.substr(start, end - start);
+    start = end + 1;
+    const std::size_t equals = part.find(u'=');
+    if (equals == std::u16string_view::npos) continue;
+    const std::u16string_view rest = part.substr(equals + 1);
+    std::u16string name, valueUnits;
+    // Escapes that are not UTF-8 make no parameter; text after a second "=" is dropped.
+    if (!decodePercentEscapes(part.substr(0, equals), true, name) ||
+        !decodePercentEscapes(rest.substr(0, rest.find(u'=')), true, valueUnits)) {
+      continue;
+    }
+    const bool arraySyntax = name.ends_with(u"[]");
+    if (arraySyntax) name.erase(name.end() - 2, name.end());
+    String value(std::move(valueUnits));
+    const auto [found, isNew] = positions.try_emplace(name, entries.size());
+    if (isNew) {
+      const bool asArray = mode == 4 || (arraySyntax && (mode == 3 || mode >= 5));
+      entries.push_back({std::move(name), asArray, {std::move(value)}});
+      continue;
+    }
+    Entry& entry = entries[found->second];
+    if (entry.isArray) {
+      entry.values.push_back(std::move(value));
+    } else if (mode == 1) {
+      entry.values[0] = std::move(value);
+    } else if (mode != 2) {
+      entry.isArray = true;
+      entry.values.push_back(std::move(value));
+    }
+  }
+  Dictionary parameters = Dictionary::dictionaryWithCapacity(entries.size());
+  for (Entry& entry : entries) {
+    String name(std::move(entry.name));
+    if (!entry.isArray) {
+      parameters.setObject(entry.values[0], name);
     } else {
-      parameters.setObject(value, name);
+      parameters.setObject(Array(std::vector<Value>(entry.values.begin(), entry.values.end())), name);
     }
   }
   return parameters;

@@ -1,6 +1,8 @@
 #include "tarnvik/platform/url.hpp"
 
 #include <sys/stat.h>
+#include <unicode/utf16.h>
+#include <unicode/utf8.h>
 #include <uriparser/Uri.h>
 
 #include <array>
@@ -47,27 +49,50 @@ void appendEscaped(std::u16string& out, unsigned char byte) {
   out.push_back(static_cast<char16_t>(kHex[byte & 15]));
 }
 
-// Encodes the UTF-8 bytes of every code point for which `escape` holds.
-template <class Escape>
-String percentEncoded(const String& text, Escape escape) {
+// Appends the UTF-8 bytes of the code point at i (a surrogate pair when there is one; an
+// unpaired surrogate as U+FFFD) percent-encoded, and returns how many units it took.
+std::size_t appendEscapedCodePoint(std::u16string& out, std::u16string_view units, std::size_t i) {
+  char32_t c = units[i];
+  std::size_t used = 1;
+  if (c >= 0xD800 && c <= 0xDBFF && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] <= 0xDFFF) {
+    c = 0x10000 + ((c - 0xD800) << 10) + (units[i + 1] - 0xDC00);
+    used = 2;
+  } else if (c >= 0xD800 && c <= 0xDFFF) {
+    c = 0xFFFD;
+  }
+  if (c < 0x80) {
+    appendEscaped(out, static_cast<unsigned char>(c));
+  } else if (c < 0x800) {
+    appendEscaped(out, static_cast<unsigned char>(0xC0 | c >> 6));
+    appendEscaped(out, static_cast<unsigned char>(0x80 | (c & 0x3F)));
+  } else if (c < 0x10000) {
+    appendEscaped(out, static_cast<unsigned char>(0xE0 | c >> 12));
+    appendEscaped(out, static_cast<unsigned char>(0x80 | ((c >> 6) & 0x3F)));
+    appendEscaped(out, static_cast<unsigned char>(0x80 | (c & 0x3F)));
+  } else {
+    appendEscaped(out, static_cast<unsigned char>(0xF0 | c >> 18));
+    appendEscaped(out, static_cast<unsigned char>(0x80 | ((c >> 12) & 0x3F)));
+    appendEscaped(out, static_cast<unsigned char>(0x80 | ((c >> 6) & 0x3F)));
+    appendEscaped(out, static_cast<unsigned char>(0x80 | (c & 0x3F)));
+  }
+  return used;
+}
+
+// Encodes the UTF-8 bytes of every non-ASCII code point and of every ASCII unit the table
+// marks.
+String percentEncoded(const String& text, const std::array<bool, 128>& escape) {
   if (text.isNil()) return String();
   std::u16string out;
   const auto units = text.units();
-  out.reserve(units.size());
+  out.reserve(units.size() + units.size() / 4);
   for (std::size_t i = 0; i < units.size();) {
     const char16_t unit = units[i];
-    if (unit < 0x80 && !escape(unit)) {
+    if (unit < 0x80 && !escape[unit]) {
       out.push_back(unit);
       ++i;
-      continue;
+    } else {
+      i += appendEscapedCodePoint(out, units, i);
     }
-    // One code point (a surrogate pair when there is one) as UTF-8 bytes.
-    const std::size_t length = (unit >= 0xD800 && unit <= 0xDBFF && i + 1 < units.size() &&
-                                units[i + 1] >= 0xDC00 && units[i + 1] <= 0xDFFF)
-                                   ? 2
-                                   : 1;
-    for (const unsigned char byte : String(units.substr(i, length)).utf8()) appendEscaped(out, byte);
-    i += length;
   }
   return String(std::move(out));
 }
@@ -243,41 +268,69 @@ Value URL::valueForKey(const String& key) const {
 }
 
 String stringByAddingPercentEncodingWithAllowedCharacters(const String& text, const CharacterSet& allowed) {
-  return percentEncoded(text, [&](char16_t c) { return !allowed.characterIsMember(c); });
+  std::array<bool, 128> escape{};
+  for (char16_t c = 0; c < 128; ++c) escape[c] = !allowed.characterIsMember(c);
+  return percentEncoded(text, escape);
 }
 
+PercentEscapes::PercentEscapes(const String& legalToLeave, const String& toEscape) {
+  for (char16_t c = 0; c < 128; ++c) escape_[c] = c < 0x20 || c == 0x7F || kNeverLegal.find(c) != std::u16string_view::npos;
+  for (const char16_t c : toEscape.units()) {
+    if (c < 128) escape_[c] = true;
+  }
+  for (const char16_t c : legalToLeave.units()) {
+    if (c < 128) escape_[c] = false;
+  }
+}
+
+String PercentEscapes::apply(const String& text) const { return percentEncoded(text, escape_); }
+
 String stringByAddingPercentEscapes(const String& text, const String& legalToLeave, const String& toEscape) {
-  const auto leave = legalToLeave.units(), escape = toEscape.units();
-  return percentEncoded(text, [&](char16_t c) {
-    if (leave.find(c) != std::u16string_view::npos) return false;
-    return c < 0x20 || c == 0x7F || kNeverLegal.find(c) != std::u16string_view::npos ||
-           escape.find(c) != std::u16string_view::npos;
-  });
+  return PercentEscapes(legalToLeave, toEscape).apply(text);
 }
 
 String stringByRemovingPercentEncoding(const String& text) {
   if (text.isNil()) return String();
   const auto units = text.units();
   if (units.find(u'%') == std::u16string_view::npos) return text;
+  std::u16string out;
+  if (!decodePercentEscapes(units, false, out)) return String();
+  return String(std::move(out));
+}
+
+bool decodePercentEscapes(std::u16string_view units, bool plusAsSpace, std::u16string& out) {
+  out.reserve(out.size() + units.size());
   std::string bytes;
-  bytes.reserve(units.size());
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    const char16_t c = units[i];
-    if (c == u'%') {
-      if (i + 2 >= units.size()) return String();
+  for (std::size_t i = 0; i < units.size();) {
+    if (units[i] != u'%') {
+      out.push_back(plusAsSpace && units[i] == u'+' ? u' ' : units[i]);
+      ++i;
+      continue;
+    }
+    // A run of escapes is decoded as one piece of UTF-8.
+    bytes.clear();
+    while (i < units.size() && units[i] == u'%') {
+      if (i + 2 >= units.size()) return false;
       const int high = hexValue(units[i + 1]), low = hexValue(units[i + 2]);
-      if (high < 0 || low < 0) return String();
+      if (high < 0 || low < 0) return false;
       bytes.push_back(static_cast<char>(high << 4 | low));
-      i += 2;
-    } else {
-      // Keep the unit's own UTF-8 bytes (pairs are handled by re-encoding the pair).
-      std::size_t length = 1;
-      if (c >= 0xD800 && c <= 0xDBFF && i + 1 < units.size()) length = 2;
-      bytes += String(units.substr(i, length)).utf8();
-      i += length - 1;
+      i += 3;
+    }
+    const auto* data = reinterpret_cast<const std::uint8_t*>(bytes.data());
+    const auto length = static_cast<std::int32_t>(bytes.size());
+    for (std::int32_t at = 0; at < length;) {
+      UChar32 c;
+      U8_NEXT(data, at, length, c);
+      if (c < 0) return false;
+      if (c <= 0xFFFF) {
+        out.push_back(static_cast<char16_t>(c));
+      } else {
+        out.push_back(static_cast<char16_t>(U16_LEAD(c)));
+        out.push_back(static_cast<char16_t>(U16_TRAIL(c)));
+      }
     }
   }
-  return String::fromUTF8(bytes);
+  return true;
 }
 
 CharacterSet URLQueryAllowedCharacterSet() {

@@ -7,6 +7,8 @@
 //   url.valueForKey(u"query").asString();   // "x=1"
 #pragma once
 
+#include <array>
+
 #include "tarnvik/platform/character_set.hpp"
 #include "tarnvik/platform/data.hpp"
 #include "tarnvik/platform/string.hpp"
@@ -73,9 +75,21 @@ String stringByAddingPercentEncodingWithAllowedCharacters(const String& text,
 // encoded, except those listed in `legalToLeave`.
 String stringByAddingPercentEscapes(const String& text, const String& legalToLeave,
                                     const String& toEscape);
+// The same rule made once, for encoding many texts.
+class PercentEscapes {
+ public:
+  PercentEscapes(const String& legalToLeave, const String& toEscape);
+  String apply(const String& text) const;
+
+ private:
+  std::array<bool, 128> escape_{};
+};
 // "%XX" escapes decoded as UTF-8; nil when an escape is malformed or the bytes are not
 // valid UTF-8.
 String stringByRemovingPercentEncoding(const String& text);
+// The same onto `out` (with "+" read as a blank when asked); false on a malformed escape
+// or bytes that are not UTF-8.
+bool decodePercentEscapes(std::u16string_view units, bool plusAsSpace, std::u16string& out);
 // The characters a query may hold unescaped: letters, digits and -._~!$&'()*+,;=:@/?
 CharacterSet URLQueryAllowedCharacterSet();
 
