@@ -122,7 +122,7 @@ TEST(Value, ClassNamesAndKinds) {
 
 struct Clip : Object {
   explicit Clip(int n) : number(n) {}
-  String className() const override { return u"Clip"; }
+  TARNVIK_CLASS(Clip)
   bool isEqual(const Object& other) const override {
     const auto* clip = dynamic_cast<const Clip*>(&other);
     return clip && clip->number == number;
@@ -130,6 +130,7 @@ struct Clip : Object {
   std::size_t hash() const override { return static_cast<std::size_t>(number); }
   int number;
 };
+TARNVIK_DEFINE_CLASS(Clip, Object, c.property(u"number", &Clip::number))
 
 TEST(Value, ObjectsUseTheirOwnEquality) {
   const Value a = std::make_shared<Clip>(1), b = std::make_shared<Clip>(1);

@@ -15,6 +15,7 @@
 #include "tarnvik/platform/error.hpp"
 #include "tarnvik/platform/file_manager.hpp"
 #include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/key_value_coding.hpp"
 #include "tarnvik/platform/log.hpp"
 #include "tarnvik/platform/object.hpp"
 #include "tarnvik/platform/regular_expression.hpp"
