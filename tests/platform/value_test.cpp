@@ -120,25 +120,25 @@ TEST(Value, ClassNamesAndKinds) {
   EXPECT_FALSE(Value().isKindOfClass(u"NSObject"));
 }
 
-struct Clip : Object {
-  explicit Clip(int n) : number(n) {}
-  TARNVIK_CLASS(Clip)
+struct NumberedClip : Object {
+  explicit NumberedClip(int n) : number(n) {}
+  TARNVIK_CLASS(NumberedClip)
   bool isEqual(const Object& other) const override {
-    const auto* clip = dynamic_cast<const Clip*>(&other);
+    const auto* clip = dynamic_cast<const NumberedClip*>(&other);
     return clip && clip->number == number;
   }
   std::size_t hash() const override { return static_cast<std::size_t>(number); }
   int number;
 };
-TARNVIK_DEFINE_CLASS(Clip, Object, c.property(u"number", &Clip::number))
+TARNVIK_DEFINE_CLASS(NumberedClip, Object, c.property(u"number", &NumberedClip::number))
 
 TEST(Value, ObjectsUseTheirOwnEquality) {
-  const Value a = std::make_shared<Clip>(1), b = std::make_shared<Clip>(1);
+  const Value a = std::make_shared<NumberedClip>(1), b = std::make_shared<NumberedClip>(1);
   EXPECT_TRUE(a.isEqual(b));
   EXPECT_FALSE(a.isIdenticalTo(b));
-  EXPECT_EQ(a.asObject<Clip>()->number, 1);
-  EXPECT_TRUE(a.isKindOfClass(u"Clip"));
-  EXPECT_TRUE(a.description().hasPrefix(u"<Clip: 0x"));
+  EXPECT_EQ(a.asObject<NumberedClip>()->number, 1);
+  EXPECT_TRUE(a.isKindOfClass(u"NumberedClip"));
+  EXPECT_TRUE(a.description().hasPrefix(u"<NumberedClip: 0x"));
   EXPECT_TRUE(Set({a, b}).count() == 1);
 }
 
