@@ -12,6 +12,7 @@
 #include "tarnvik/platform/date.hpp"
 #include "tarnvik/platform/date_formatter.hpp"
 #include "tarnvik/platform/dictionary.hpp"
+#include "tarnvik/platform/enumerator.hpp"
 #include "tarnvik/platform/error.hpp"
 #include "tarnvik/platform/file_manager.hpp"
 #include "tarnvik/platform/format.hpp"
