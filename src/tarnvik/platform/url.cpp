@@ -78,16 +78,18 @@ std::size_t appendEscapedCodePoint(std::u16string& out, std::u16string_view unit
   return used;
 }
 
-// Encodes the UTF-8 bytes of every non-ASCII code point and of every ASCII unit the table
-// marks.
-String percentEncoded(const String& text, const std::array<bool, 128>& escape) {
+// Encodes the UTF-8 bytes of every ASCII unit the table marks and of every other code point
+// whose first unit `keepBeyondASCII` (when given) does not keep.
+String percentEncoded(const String& text, const std::array<bool, 128>& escape,
+                      const CharacterSet* keepBeyondASCII = nullptr) {
   if (text.isNil()) return String();
   std::u16string out;
   const auto units = text.units();
   out.reserve(units.size() + units.size() / 4);
   for (std::size_t i = 0; i < units.size();) {
     const char16_t unit = units[i];
-    if (unit < 0x80 && !escape[unit]) {
+    const bool keep = unit < 0x80 ? !escape[unit] : keepBeyondASCII && keepBeyondASCII->characterIsMember(unit);
+    if (keep) {
       out.push_back(unit);
       ++i;
     } else {
@@ -270,7 +272,7 @@ Value URL::valueForKey(const String& key) const {
 String stringByAddingPercentEncodingWithAllowedCharacters(const String& text, const CharacterSet& allowed) {
   std::array<bool, 128> escape{};
   for (char16_t c = 0; c < 128; ++c) escape[c] = !allowed.characterIsMember(c);
-  return percentEncoded(text, escape);
+  return percentEncoded(text, escape, &allowed);
 }
 
 PercentEscapes::PercentEscapes(const String& legalToLeave, const String& toEscape) {

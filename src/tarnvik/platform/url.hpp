@@ -65,9 +65,9 @@ class URL {
   String absolute_;
 };
 
-// Percent encoding of the text's UTF-8 bytes: every byte outside the allowed set becomes "%"
-// and two upper-case hex digits. The allowed set answers per UTF-16 unit; non-ASCII is
-// always encoded.
+// Percent encoding of the text's UTF-8 bytes: every character outside the allowed set
+// becomes "%" and two upper-case hex digits per byte. The set answers per UTF-16 unit, so a
+// character beyond the BMP (a surrogate pair) is always encoded.
 String stringByAddingPercentEncodingWithAllowedCharacters(const String& text,
                                                            const CharacterSet& allowed);
 // The older escaping: the bytes of characters that are never legal in a URL (controls,
