@@ -9,6 +9,13 @@ namespace tarnvik {
 struct DictionaryStorage {
   std::vector<Dictionary::Entry> entries;
   ValueIndex index;
+
+  std::size_t find(const Value& key) const {
+    return index.find(key, [this](std::size_t p) -> const Value& { return entries[p].first; });
+  }
+  void reindex() {
+    index.rebuild(entries.size(), [this](std::size_t p) -> const Value& { return entries[p].first; });
+  }
 };
 
 namespace {
@@ -60,8 +67,8 @@ const std::vector<Dictionary::Entry>& Dictionary::entries() const {
 
 Value Dictionary::objectForKey(const Value& key) const {
   if (!storage_ || key.isNil()) return Value();
-  const auto found = storage_->index.find(key);
-  return found == storage_->index.end() ? Value() : storage_->entries[found->second].second;
+  const std::size_t found = storage_->find(key);
+  return found == ValueIndex::npos ? Value() : storage_->entries[found].second;
 }
 
 Array Dictionary::allKeys() const {
@@ -122,12 +129,13 @@ DictionaryStorage& Dictionary::mutableStorage() {
 void Dictionary::setObject(const Value& object, const Value& key) {
   requireKeyAndObject(object, key, "-[NSMutableDictionary setObject:forKey:]");
   auto& s = mutableStorage();
-  const auto [position, inserted] = s.index.try_emplace(key, s.entries.size());
-  if (inserted) {
-    s.entries.emplace_back(key, object);
-  } else {
-    s.entries[position->second].second = object;
+  const std::size_t found = s.find(key);
+  if (found != ValueIndex::npos) {
+    s.entries[found].second = object;
+    return;
   }
+  s.entries.emplace_back(key, object);
+  s.index.insert(key, s.entries.size() - 1, [&s](std::size_t p) -> const Value& { return s.entries[p].first; });
 }
 
 void Dictionary::setValue(const Value& object, const Value& key) {
@@ -141,11 +149,9 @@ void Dictionary::setValue(const Value& object, const Value& key) {
 void Dictionary::removeObjectForKey(const Value& key) {
   if (objectForKey(key).isNil()) return;
   auto& s = mutableStorage();
-  const auto found = s.index.find(key);
-  const std::size_t position = found->second;
-  s.index.erase(found);
+  const std::size_t position = s.find(key);
   s.entries.erase(s.entries.begin() + static_cast<std::ptrdiff_t>(position));
-  shiftIndexAfterRemoval(s.index, position);
+  s.reindex();
 }
 
 void Dictionary::removeAllObjects() {

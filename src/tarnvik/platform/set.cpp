@@ -12,16 +12,21 @@ struct UniqueStorage {
   std::vector<Value> values;
   ValueIndex index;
 
-  bool contains(const Value& v) const { return index.find(v) != index.end(); }
+  std::size_t find(const Value& v) const {
+    return index.find(v, [this](std::size_t p) -> const Value& { return values[p]; });
+  }
+  bool contains(const Value& v) const { return find(v) != ValueIndex::npos; }
   void add(const Value& v) {
-    if (index.try_emplace(v, values.size()).second) values.push_back(v);
+    // The value goes in at the end when the index takes it as new.
+    if (index.insert(v, values.size(), [this](std::size_t p) -> const Value& { return values[p]; }).second) {
+      values.push_back(v);
+    }
   }
   // Keeps the members for which keep() holds, in order, and rebuilds the index.
   template <class Keep>
   void retain(Keep keep) {
     std::erase_if(values, [&](const Value& v) { return !keep(v); });
-    index.clear();
-    for (std::size_t i = 0; i < values.size(); ++i) index.emplace(values[i], i);
+    index.rebuild(values.size(), [this](std::size_t p) -> const Value& { return values[p]; });
   }
 };
 
@@ -56,8 +61,8 @@ bool UniqueCollection::containsObject(const Value& object) const {
 
 Value UniqueCollection::member(const Value& object) const {
   if (!storage_) return Value();
-  const auto found = storage_->index.find(object);
-  return found == storage_->index.end() ? Value() : storage_->values[found->second];
+  const std::size_t found = storage_->find(object);
+  return found == ValueIndex::npos ? Value() : storage_->values[found];
 }
 
 Value UniqueCollection::anyObject() const { return isEmpty() ? Value() : values().front(); }
@@ -89,11 +94,9 @@ void UniqueCollection::addObject(const Value& object) {
 void UniqueCollection::removeObject(const Value& object) {
   if (!containsObject(object)) return;
   auto& s = mutableStorage();
-  const auto found = s.index.find(object);
-  const std::size_t position = found->second;
-  s.index.erase(found);
+  const std::size_t position = s.find(object);
   s.values.erase(s.values.begin() + static_cast<std::ptrdiff_t>(position));
-  shiftIndexAfterRemoval(s.index, position);
+  s.retain([](const Value&) { return true; });
 }
 
 void UniqueCollection::removeAllObjects() {
@@ -182,8 +185,8 @@ const Value& OrderedSet::objectAtIndex(UInteger index) const {
 
 UInteger OrderedSet::indexOfObject(const Value& object) const {
   if (!storage_) return NSNotFound;
-  const auto found = storage_->index.find(object);
-  return found == storage_->index.end() ? NSNotFound : found->second;
+  const std::size_t found = storage_->find(object);
+  return found == ValueIndex::npos ? NSNotFound : found;
 }
 
 Value OrderedSet::firstObject() const { return isEmpty() ? Value() : values().front(); }
