@@ -14,7 +14,8 @@ constexpr int kCount = 1000000;
 const Array& dictionaries() {
   static const Array all = [] {
     Array a = Array::arrayWithCapacity(kCount);
-    for (int i = 0; i < kCount; ++i) a.addObject(Dictionary{{u"reel", i % 100}, {u"name", u"clip"}});
+    for (int i = 0; i < kCount; ++i)
+      a.addObject(Dictionary{{u"reel", i % 100}, {u"name", u"clip"}});
     return a;
   }();
   return all;

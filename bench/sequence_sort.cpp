@@ -13,9 +13,7 @@
 
 using namespace tarnvik;
 
-namespace {
-
-}  // namespace
+namespace {}  // namespace
 
 int main(int argc, char** argv) {
   if (argc != 3) {

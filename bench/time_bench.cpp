@@ -20,11 +20,14 @@ void reportColdCalls() {
   auto time = [](auto f) {
     const auto start = std::chrono::steady_clock::now();
     f();
-    return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start).count();
+    return std::chrono::duration<double, std::micro>(std::chrono::steady_clock::now() - start)
+        .count();
   };
   const Date now = Date::now();
-  std::printf("cold humanReadableString:        %8.1f us\n", time([&] { humanReadableString(now); }));
-  std::printf("cold javaScriptCompatibleString: %8.1f us\n", time([&] { javaScriptCompatibleString(now); }));
+  std::printf("cold humanReadableString:        %8.1f us\n",
+              time([&] { humanReadableString(now); }));
+  std::printf("cold javaScriptCompatibleString: %8.1f us\n",
+              time([&] { javaScriptCompatibleString(now); }));
 }
 
 void BM_HumanReadableString(benchmark::State& state) {

@@ -31,7 +31,8 @@ TEST(AES256, KeysAreTheFirst32BytesPaddedWithZeros) {
   const String sameStart = u"0123456789abcdef0123456789abcdefOTHER";
   EXPECT_EQ(AES256EncryptWithKey(plain, longKey), AES256EncryptWithKey(plain, sameStart));
   const std::string padded("abc\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0", 32);
-  EXPECT_EQ(AES256EncryptWithKey(plain, u"abc"), AES256EncryptWithKey(plain, String::fromUTF8Lossy(padded)));
+  EXPECT_EQ(AES256EncryptWithKey(plain, u"abc"),
+            AES256EncryptWithKey(plain, String::fromUTF8Lossy(padded)));
   EXPECT_EQ(AES256EncryptWithKey(plain, String()), AES256EncryptWithKey(plain, u""));
   EXPECT_NE(AES256EncryptWithKey(plain, u"abc"), AES256EncryptWithKey(plain, u"abd"));
 }
@@ -51,7 +52,8 @@ TEST(AES256, DecryptsFilesToText) {
   const auto file = dir.path() / "notes.bin";
   const Data sealed = AES256EncryptWithKey(bytes("Grüße från Tärnvik"), u"pw");
   writeFile(file, sealed.asStringView());
-  EXPECT_EQ(AES256DecryptedStringFromFile(String(file.string()), u"pw").utf8(), "Grüße från Tärnvik");
+  EXPECT_EQ(AES256DecryptedStringFromFile(String(file.string()), u"pw").utf8(),
+            "Grüße från Tärnvik");
   EXPECT_TRUE(AES256DecryptedStringFromFile(u"/no/such/file", u"pw").isNil());
   writeFile(file, AES256EncryptWithKey(bytes("\xFF\xFE"), u"pw").asStringView());
   EXPECT_TRUE(AES256DecryptedStringFromFile(String(file.string()), u"pw").isNil());  // not UTF-8
@@ -64,14 +66,17 @@ TEST(AES256, MatchesTheOpenSSLTool) {
   for (int i = 0; i < 1000; ++i) plain += static_cast<char>(i * 7);
   writeFile(dir.path() / "plain", plain);
   const String key = u"media-key";
-  const std::string keyHex = hexstringWithBytes(bytes(std::string("media-key") + std::string(23, '\0'))).utf8();
+  const std::string keyHex =
+      hexstringWithBytes(bytes(std::string("media-key") + std::string(23, '\0'))).utf8();
   const std::string iv = std::string(32, '0');
   const std::string base = "openssl enc -aes-256-cbc -K " + keyHex + " -iv " + iv;
-  ASSERT_TRUE(run(base + " -in " + (dir.path() / "plain").string() + " -out " + (dir.path() / "theirs").string()));
+  ASSERT_TRUE(run(base + " -in " + (dir.path() / "plain").string() + " -out " +
+                  (dir.path() / "theirs").string()));
   const Data ours = AES256EncryptWithKey(bytes(plain), key);
   EXPECT_EQ(std::string(ours.asStringView()), readFile(dir.path() / "theirs"));
   writeFile(dir.path() / "ours", ours.asStringView());
-  ASSERT_TRUE(run(base + " -d -in " + (dir.path() / "ours").string() + " -out " + (dir.path() / "back").string()));
+  ASSERT_TRUE(run(base + " -d -in " + (dir.path() / "ours").string() + " -out " +
+                  (dir.path() / "back").string()));
   EXPECT_EQ(readFile(dir.path() / "back"), plain);
 }
 

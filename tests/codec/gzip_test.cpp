@@ -62,7 +62,8 @@ TEST(Gzip, RoundTripsAcrossBufferGrowth) {
 
 TEST(Gzip, AcceptsZlibAndRefusesRawTruncatedOrGarbage) {
   const std::string text = sampleText(5000);
-  EXPECT_EQ(std::string(gzipUnpackedData(Data::withString(zlibCompress(text, 15))).asStringView()), text);
+  EXPECT_EQ(std::string(gzipUnpackedData(Data::withString(zlibCompress(text, 15))).asStringView()),
+            text);
   EXPECT_TRUE(gzipUnpackedData(Data::withString(zlibCompress(text, -15))).isNil());
   const std::string gz = zlibCompress(text, 31);
   EXPECT_TRUE(gzipUnpackedData(Data::withString(gz.substr(0, gz.size() - 10))).isNil());
@@ -80,11 +81,16 @@ TEST(Gzip, InteroperatesWithTheGzipTool) {
   testing::TempDir dir;
   const std::string text = sampleText(100000);
   writeFile(dir.path() / "ours.gz", gzipPackedData(Data::withString(text)).asStringView());
-  ASSERT_TRUE(run("gzip -dc " + (dir.path() / "ours.gz").string() + " > " + (dir.path() / "ours").string()));
+  ASSERT_TRUE(run("gzip -dc " + (dir.path() / "ours.gz").string() + " > " +
+                  (dir.path() / "ours").string()));
   EXPECT_EQ(readFile(dir.path() / "ours"), text);
   writeFile(dir.path() / "theirs", text);
-  ASSERT_TRUE(run("gzip -9 -c " + (dir.path() / "theirs").string() + " > " + (dir.path() / "theirs.gz").string()));
-  EXPECT_EQ(std::string(gzipUnpackedData(Data::withString(readFile(dir.path() / "theirs.gz"))).asStringView()), text);
+  ASSERT_TRUE(run("gzip -9 -c " + (dir.path() / "theirs").string() + " > " +
+                  (dir.path() / "theirs.gz").string()));
+  EXPECT_EQ(
+      std::string(
+          gzipUnpackedData(Data::withString(readFile(dir.path() / "theirs.gz"))).asStringView()),
+      text);
 }
 
 }  // namespace

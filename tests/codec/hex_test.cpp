@@ -34,7 +34,8 @@ TEST(HexForms, DumpLinesCarryOffsetHexAndText) {
             "0016: 51 52 53 54  QRST\n");
   EXPECT_EQ(hexBlockWithASCIIStringOfLength(Data::data(), 16).utf8(), "");
   // An exact multiple has no short last line.
-  EXPECT_EQ(hexBlockWithASCIIStringOfLength(bytes("abcd"), 2).utf8(), "0000: 61 62  ab\n0002: 63 64  cd\n");
+  EXPECT_EQ(hexBlockWithASCIIStringOfLength(bytes("abcd"), 2).utf8(),
+            "0000: 61 62  ab\n0002: 63 64  cd\n");
   // Offsets grow past four digits.
   const Data big = Data::withLength(10001);
   const std::string tail = hexBlockWithASCIIStringOfLength(big, 10000).utf8();
@@ -71,12 +72,10 @@ TEST_P(HexParsing, ReadsPairsAsStrtolDoes) {
 INSTANTIATE_TEST_SUITE_P(
     Pairs, HexParsing,
     ::testing::Values(HexParse{u"0aFF1", std::string("\x0A\xFF", 2)},
-                      HexParse{u"zz", std::string(1, '\0')},
-                      HexParse{u"", ""},
-                      HexParse{u"f", ""},
+                      HexParse{u"zz", std::string(1, '\0')}, HexParse{u"", ""}, HexParse{u"f", ""},
                       HexParse{u" f-1", std::string("\x0F\xFF", 2)},  // blank and sign accepted
                       HexParse{u"0x", std::string(1, '\0')},
-                      HexParse{u"a g", std::string("\x0A", 1)},        // stops at the bad digit
+                      HexParse{u"a g", std::string("\x0A", 1)},  // stops at the bad digit
                       HexParse{u"\u0141\u0142", std::string("\xAB", 1)}));  // low 8 bits: "AB"
 
 TEST(HexParsingNil, NilGivesNil) { EXPECT_TRUE(ke_dataFromHexString(String()).isNil()); }

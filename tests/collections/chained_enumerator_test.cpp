@@ -12,7 +12,8 @@ std::vector<Value> drain(Enumerator& e, int calls) {
 }
 
 TEST(ChainedEnumerator, WalksTheChainInOrder) {
-  KUChainedEnumerator chain({objectEnumerator(Array{u"a1", u"a2"}), objectEnumerator(Array{u"b1"})});
+  KUChainedEnumerator chain(
+      {objectEnumerator(Array{u"a1", u"a2"}), objectEnumerator(Array{u"b1"})});
   EXPECT_EQ(drain(chain, 4), (std::vector<Value>{u"a1", u"a2", u"b1", Value()}));
   KUChainedEnumerator skipsOne({objectEnumerator(Array::array()), objectEnumerator(Array{u"b1"})});
   EXPECT_EQ(skipsOne.nextObject(), Value(u"b1"));
@@ -28,7 +29,8 @@ TEST(ChainedEnumerator, TwoEmptyEnumeratorsStopOneCallEarly) {
 }
 
 TEST(ChainedEnumerator, AllObjectsAndEmptyChains) {
-  KUChainedEnumerator chain({objectEnumerator(Array{u"a1"}), objectEnumerator(Array{u"b1", u"b2"})});
+  KUChainedEnumerator chain(
+      {objectEnumerator(Array{u"a1"}), objectEnumerator(Array{u"b1", u"b2"})});
   EXPECT_EQ(chain.allObjects(), (Array{u"a1", u"b1", u"b2"}));
   EXPECT_TRUE(chain.nextObject().isNil());  // allObjects handed everything out
   KUChainedEnumerator empty({});

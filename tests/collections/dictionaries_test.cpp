@@ -17,15 +17,21 @@ TEST(DictionaryTransforms, NullsMergesAndInversions) {
   EXPECT_EQ(dictionaryByAddingDictionary(nested, Dictionary{{u"a", Dictionary{{u"y", 3}}}}),
             (Dictionary{{u"a", Dictionary{{u"x", 1}, {u"y", 3}}}}));
   EXPECT_EQ(dictionaryByAddingDictionary(nested, Dictionary{{u"a", 5}}), (Dictionary{{u"a", 5}}));
-  EXPECT_EQ(dictionaryByAddingDictionary(Dictionary{{u"l", Array{1}}}, Dictionary{{u"l", Array{2}}}),
-            (Dictionary{{u"l", Array{2}}}));  // arrays are replaced, not merged
-  EXPECT_EQ(dictionaryByAddingDictionaries(Array{Dictionary{{u"a", Dictionary{{u"x", 1}}}}, Dictionary{{u"a", Dictionary{{u"y", 2}}}}}),
+  EXPECT_EQ(
+      dictionaryByAddingDictionary(Dictionary{{u"l", Array{1}}}, Dictionary{{u"l", Array{2}}}),
+      (Dictionary{{u"l", Array{2}}}));  // arrays are replaced, not merged
+  EXPECT_EQ(dictionaryByAddingDictionaries(Array{Dictionary{{u"a", Dictionary{{u"x", 1}}}},
+                                                 Dictionary{{u"a", Dictionary{{u"y", 2}}}}}),
             (Dictionary{{u"a", Dictionary{{u"y", 2}}}}));  // flat
-  EXPECT_EQ(arrayBySeparatingEntries(Dictionary{{u"a", 1}, {u"b", 2}}), (Array{Dictionary{{u"a", 1}}, Dictionary{{u"b", 2}}}));
-  EXPECT_EQ(reversedDictionary(Dictionary{{u"a", 1}, {u"b", 2}}), (Dictionary{{1, u"a"}, {2, u"b"}}));
-  EXPECT_EQ(mapValuesWithBlock(Dictionary{{u"a", 1}, {u"b", 2}}, [](const Value& v) { return v.intValue() == 1 ? Value() : v; }),
+  EXPECT_EQ(arrayBySeparatingEntries(Dictionary{{u"a", 1}, {u"b", 2}}),
+            (Array{Dictionary{{u"a", 1}}, Dictionary{{u"b", 2}}}));
+  EXPECT_EQ(reversedDictionary(Dictionary{{u"a", 1}, {u"b", 2}}),
+            (Dictionary{{1, u"a"}, {2, u"b"}}));
+  EXPECT_EQ(mapValuesWithBlock(Dictionary{{u"a", 1}, {u"b", 2}},
+                               [](const Value& v) { return v.intValue() == 1 ? Value() : v; }),
             (Dictionary{{u"b", 2}}));
-  EXPECT_EQ(dictionaryWithKeys(Array{u"x", u"y", u"x"}, [](UInteger i, const Value&) { return Value(i); }),
+  EXPECT_EQ(dictionaryWithKeys(Array{u"x", u"y", u"x"},
+                               [](UInteger i, const Value&) { return Value(i); }),
             (Dictionary{{u"x", 2}, {u"y", 1}}));
 }
 
@@ -154,7 +160,9 @@ struct Shot : Object {
 };
 TARNVIK_DEFINE_CLASS(Owner, Object, c.property(u"name", &Owner::name))
 TARNVIK_DEFINE_CLASS(Shot, Object,
-                     c.property(u"title", &Shot::title).property(u"owner", &Shot::owner).property(u"missing", &Shot::missing))
+                     c.property(u"title", &Shot::title)
+                         .property(u"owner", &Shot::owner)
+                         .property(u"missing", &Shot::missing))
 
 TEST(ObjectProperties, NestedRegisteredClassesBecomeDictionaries) {
   auto shot = std::make_shared<Shot>();
@@ -162,7 +170,8 @@ TEST(ObjectProperties, NestedRegisteredClassesBecomeDictionaries) {
   EXPECT_EQ(dictionaryWithPropertiesOfObject(Value(shot)),
             (Dictionary{{u"title", u"Wide"}, {u"owner", Dictionary{{u"name", u"Ann"}}}}));
   shot->owner = Value();
-  EXPECT_EQ(dictionaryWithPropertiesOfObject(Value(shot)).objectForKey(u"owner"), Dictionary::dictionary());
+  EXPECT_EQ(dictionaryWithPropertiesOfObject(Value(shot)).objectForKey(u"owner"),
+            Dictionary::dictionary());
 }
 
 }  // namespace

@@ -20,20 +20,26 @@ TEST(SetSelection, NilForValuesEmptyForClasses) {
   EXPECT_FALSE(objectsWithKindOfClass(clips, u"NSNumber").isNil());
   EXPECT_EQ(objectsWithBOOL(clips, true, u"isSelected"), (Set{a}));
   EXPECT_TRUE(objectsWithBOOL(clips, true, u"nope").isNil());
-  EXPECT_EQ(valueForKey(sortedArrayUsingKey(Set{b, a}, u"name", false), u"name"), (Array{u"B", u"A"}));
+  EXPECT_EQ(valueForKey(sortedArrayUsingKey(Set{b, a}, u"name", false), u"name"),
+            (Array{u"B", u"A"}));
 }
 
 TEST(SetTransforms, MapsCollapseAndOrderedSetsKeepOrder) {
-  EXPECT_EQ(mapWithBlock(Set{1, 2, 3}, [](const Value& v) { return Value(v.intValue() % 2); }), (Set{0, 1}));
-  EXPECT_EQ(filterWithBlock(Set{1, 2, 3}, [](const Value& v) { return v.intValue() > 1; }), (Set{2, 3}));
+  EXPECT_EQ(mapWithBlock(Set{1, 2, 3}, [](const Value& v) { return Value(v.intValue() % 2); }),
+            (Set{0, 1}));
+  EXPECT_EQ(filterWithBlock(Set{1, 2, 3}, [](const Value& v) { return v.intValue() > 1; }),
+            (Set{2, 3}));
   EXPECT_EQ(setByRemovingObjectsFromSet(Set{1, 2, 3}, Set{2}), (Set{1, 3}));
   const OrderedSet ordered{3, 1, 2, u"x"};
   const Array numbers = objectsWithKindOfClass(ordered, u"NSNumber");
   EXPECT_EQ(numbers, (Array{3, 1, 2}));  // an array, in order
   EXPECT_EQ(firstObjectWithKindOfClass(ordered, u"NSString"), Value(u"x"));
-  EXPECT_EQ(filterWithBlock(ordered, [](const Value& v) { return v.isNumber(); }), (OrderedSet{3, 1, 2}));
-  EXPECT_EQ(mapWithBlock(ordered, [](const Value& v) { return v.isNumber() ? Value(v.intValue() % 2) : Value(); }),
-            (OrderedSet{1, 0}));
+  EXPECT_EQ(filterWithBlock(ordered, [](const Value& v) { return v.isNumber(); }),
+            (OrderedSet{3, 1, 2}));
+  EXPECT_EQ(
+      mapWithBlock(ordered,
+                   [](const Value& v) { return v.isNumber() ? Value(v.intValue() % 2) : Value(); }),
+      (OrderedSet{1, 0}));
   const Set nested{Array{1}};
   const Set copy = mutableDeepCopy(nested);
   EXPECT_EQ(copy, nested);
@@ -46,9 +52,12 @@ TEST(SetAlgebra, NaryAndDisjunctiveUnions) {
   EXPECT_EQ(setWithUnionOf({Set{1}, Set{2}, Set{1, 3}}), (Set{1, 2, 3}));
   EXPECT_EQ(setWithIntersectionOf({Set{1, 2, 3}, Set{2, 3}, Set{3, 4}}), (Set{3}));
   EXPECT_EQ(setWithDisjunctiveUnionOf({Set{1, 2, 3}, Set{3, 4}}), (Set{1, 2, 4}));
-  EXPECT_EQ(orderedSetWithUnionOf({OrderedSet{1, 2}, OrderedSet{3, 1, 4}}), (OrderedSet{1, 2, 3, 4}));
-  EXPECT_EQ(orderedSetWithIntersectionOf({OrderedSet{3, 1, 2}, OrderedSet{2, 3}}), (OrderedSet{3, 2}));
-  EXPECT_EQ(orderedSetWithDisjunctiveUnionOf({OrderedSet{1, 2, 3}, OrderedSet{3, 4}}), (OrderedSet{1, 2, 3, 4}));
+  EXPECT_EQ(orderedSetWithUnionOf({OrderedSet{1, 2}, OrderedSet{3, 1, 4}}),
+            (OrderedSet{1, 2, 3, 4}));
+  EXPECT_EQ(orderedSetWithIntersectionOf({OrderedSet{3, 1, 2}, OrderedSet{2, 3}}),
+            (OrderedSet{3, 2}));
+  EXPECT_EQ(orderedSetWithDisjunctiveUnionOf({OrderedSet{1, 2, 3}, OrderedSet{3, 4}}),
+            (OrderedSet{1, 2, 3, 4}));
   OrderedSet s{u"a", u"b", u"c"};
   disjunctiveUnionOrderedSet(s, OrderedSet{u"c", u"d", u"a"});
   EXPECT_EQ(s, (OrderedSet{u"b", u"c", u"d", u"a"}));

@@ -10,16 +10,23 @@ namespace {
 URL url(const char16_t* text) { return URL::URLWithString(text); }
 
 TEST(URLComponents, AssembledFromTheEndBackwards) {
-  Dictionary c{{u"scheme", u"http"}, {u"host", u"h"}, {u"path", u"/p"}, {u"query", Dictionary{{u"a", u"b"}}}};
+  Dictionary c{{u"scheme", u"http"},
+               {u"host", u"h"},
+               {u"path", u"/p"},
+               {u"query", Dictionary{{u"a", u"b"}}}};
   EXPECT_EQ(URLWithComponents(c).absoluteString().utf8(), "http://h/p?a=b");
   c.setObject(u"f", u"fragment");
   EXPECT_EQ(URLWithComponents(c).absoluteString().utf8(), "http://h/p?a=b#f");
   c.setObject(u"u", u"user");
   c.setObject(u"pw", u"password");
   EXPECT_EQ(URLWithComponents(c).absoluteString().utf8(), "http://u:pw@h/p?a=b#f");
-  EXPECT_EQ(URLWithComponents(Dictionary{{u"port", 8080}, {u"path", u"/x"}}).isNil(), true);  // ":8080/x" is no URL
-  EXPECT_EQ(URLWithComponents(Dictionary{{u"password", u"pw"}, {u"host", u"h"}, {u"scheme", u"ftp"}}).absoluteString().utf8(),
-            "ftp://h");
+  EXPECT_EQ(URLWithComponents(Dictionary{{u"port", 8080}, {u"path", u"/x"}}).isNil(),
+            true);  // ":8080/x" is no URL
+  EXPECT_EQ(
+      URLWithComponents(Dictionary{{u"password", u"pw"}, {u"host", u"h"}, {u"scheme", u"ftp"}})
+          .absoluteString()
+          .utf8(),
+      "ftp://h");
 }
 
 TEST(URLComponents, OneComponentAtATime) {
@@ -28,10 +35,14 @@ TEST(URLComponents, OneComponentAtATime) {
   EXPECT_EQ(URLWithFragment(base, String()).absoluteString().utf8(), "http://u:p@h:81/p;x?q=1");
   EXPECT_EQ(URLWithHost(base, u"other").absoluteString().utf8(), "http://u:p@other:81/p;x?q=1#f");
   EXPECT_EQ(URLWithPort(base, Value(8080)).absoluteString().utf8(), "http://u:p@h:8080/p;x?q=1#f");
-  EXPECT_EQ(URLWithQuery(base, Dictionary{{u"z", u"9"}}).absoluteString().utf8(), "http://u:p@h:81/p;x?z=9#f");
+  EXPECT_EQ(URLWithQuery(base, Dictionary{{u"z", u"9"}}).absoluteString().utf8(),
+            "http://u:p@h:81/p;x?z=9#f");
   EXPECT_EQ(URLWithScheme(base, u"https").absoluteString().utf8(), "https://u:p@h:81/p;x?q=1#f");
-  EXPECT_EQ(initWithString(u"http://h/p", Dictionary::dictionary()).absoluteString().utf8(), "http://h/p?");
-  EXPECT_EQ(ku_URLWithString(u"http://h/p", Dictionary{{u"a b", u"1&2"}, {u"c", u"é"}}).absoluteString().utf8(),
+  EXPECT_EQ(initWithString(u"http://h/p", Dictionary::dictionary()).absoluteString().utf8(),
+            "http://h/p?");
+  EXPECT_EQ(ku_URLWithString(u"http://h/p", Dictionary{{u"a b", u"1&2"}, {u"c", u"é"}})
+                .absoluteString()
+                .utf8(),
             "http://h/p?a%20b=1&2&c=%C3%A9");
 }
 
@@ -48,7 +59,8 @@ TEST(HTTPRequests, PostBodyAndHeaders) {
   addPOSTParameters(twice, Dictionary{{u"b", u"2"}}, 0);
   // The body is a bare query, so the merged text starts with "?", as for GET parameters.
   EXPECT_EQ(twice.HTTPBody().asStringView(), "?a=1&b=2");
-  EXPECT_EQ(twice.valueForHTTPHeaderField(u"Content-Length").utf8(), "3, 8");  // appended, not replaced
+  EXPECT_EQ(twice.valueForHTTPHeaderField(u"Content-Length").utf8(),
+            "3, 8");  // appended, not replaced
   EXPECT_EQ(POSTParameters(twice), (Dictionary{{u"a", u"1"}, {u"b", u"2"}}));
   const URLRequest put = HTTPRequestWithURL(url(u"http://h/"), u"put", Dictionary{{u"k", u"v"}});
   EXPECT_EQ(put.HTTPMethod().utf8(), "PUT");
@@ -56,12 +68,15 @@ TEST(HTTPRequests, PostBodyAndHeaders) {
 }
 
 TEST(HTTPRequests, GetParametersGainTheDoubledQuestionMark) {
-  EXPECT_EQ(GETRequestWithURL(url(u"http://h/p"), Dictionary{{u"a", u"1"}}).url().absoluteString().utf8(),
-            "http://h/p??a=1");
+  EXPECT_EQ(
+      GETRequestWithURL(url(u"http://h/p"), Dictionary{{u"a", u"1"}}).url().absoluteString().utf8(),
+      "http://h/p??a=1");
   const URLRequest existing = GETRequestWithURL(url(u"http://h/p?x=1"), Dictionary{{u"a", u"1"}});
   EXPECT_EQ(existing.url().absoluteString().utf8(), "http://h/p??x=1&a=1");
-  EXPECT_EQ(GETRequestWithURL(url(u"http://h/p?x=1"), Dictionary()).url().absoluteString().utf8(), "http://h/p?x=1");
-  EXPECT_EQ(GETRequestWithURL(url(u"http://h/p"), Dictionary()).url().absoluteString().utf8(), "http://h/p?");
+  EXPECT_EQ(GETRequestWithURL(url(u"http://h/p?x=1"), Dictionary()).url().absoluteString().utf8(),
+            "http://h/p?x=1");
+  EXPECT_EQ(GETRequestWithURL(url(u"http://h/p"), Dictionary()).url().absoluteString().utf8(),
+            "http://h/p?");
   URLRequest request(url(u"http://h/p?old=1"));
   setGETParameters(request, Dictionary{{u"n", u"2"}});
   EXPECT_EQ(request.url().absoluteString().utf8(), "http://h/p?n=2");

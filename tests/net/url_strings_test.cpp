@@ -11,8 +11,8 @@ TEST(URLEncoding, OnlyUnreservedCharactersStay) {
   for (int b = 0; b < 128; ++b) {
     const char16_t c = static_cast<char16_t>(b);
     const String encoded = URLEncodedString(String(std::u16string(1, c)));
-    const bool keep = (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') ||
-                      c == u'-' || c == u'.' || c == u'_' || c == u'~';
+    const bool keep = (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') ||
+                      (c >= u'0' && c <= u'9') || c == u'-' || c == u'.' || c == u'_' || c == u'~';
     if (keep) {
       EXPECT_EQ(encoded.length(), 1u) << b;
     } else {
@@ -36,7 +36,8 @@ TEST(URLEncoding, DecodingWithAndWithoutPlus) {
 TEST(URLPaths, EditsKeepQueryAndFragment) {
   EXPECT_EQ(lastURLPathComponent(u"http://h/dir/file.mov?x=1#t").utf8(), "file.mov");
   EXPECT_EQ(URLPathExtension(u"http://h/dir/file.mov?x=1").utf8(), "mov");
-  EXPECT_EQ(stringByAppendingURLPathComponent(u"http://h/dir?x=1#t", u"/file").utf8(), "http://h/dir/file?x=1#t");
+  EXPECT_EQ(stringByAppendingURLPathComponent(u"http://h/dir?x=1#t", u"/file").utf8(),
+            "http://h/dir/file?x=1#t");
   EXPECT_EQ(stringByAppendingURLPathComponent(u"", u"file").utf8(), "file");
   EXPECT_EQ(stringByDeletingLastURLPathComponent(u"dir/file?x=1").utf8(), "dir/?x=1");
   EXPECT_EQ(stringByDeletingLastURLPathComponent(u"file").utf8(), "file");
@@ -68,36 +69,48 @@ TEST(URLQueries, BuildingWithArrayModes) {
   EXPECT_EQ(URLQueryWithParameters(p, URLQueryArrayModeFirst).utf8(), "a=1&b=x%20y");
   EXPECT_EQ(URLQueryWithParameters(p, URLQueryArrayModeForceArrays | URLQueryArraySyntax).utf8(),
             "a[]=1&a[]=2&b[]=x%20y");
-  EXPECT_EQ(URLQueryWithParameters(Dictionary{{u"a", Array::array()}, {u"k", u"v"}}, URLQueryArrayModeLast).utf8(), "k=v");
+  EXPECT_EQ(URLQueryWithParameters(Dictionary{{u"a", Array::array()}, {u"k", u"v"}},
+                                   URLQueryArrayModeLast)
+                .utf8(),
+            "k=v");
   EXPECT_EQ(URLQueryWithParameters(Dictionary::dictionary()).utf8(), "");
   EXPECT_EQ(URLQueryWithParameters(Dictionary{{u"ä&=", u"+/?"}}).utf8(), "%C3%A4%26%3D=%2B%2F%3F");
 }
 
 TEST(URLQueries, ParsingWithArrayModes) {
   EXPECT_EQ(URLQueryParameters(u"?a=1&a=2"), (Dictionary{{u"a", u"2"}}));
-  EXPECT_EQ(URLQueryParametersWithOptions(u"?a=1&a=2", URLQueryArrayModeFirst), (Dictionary{{u"a", u"1"}}));
-  EXPECT_EQ(URLQueryParametersWithOptions(u"?a=1&a=2", URLQueryArrayModeAll), (Dictionary{{u"a", Array{u"1", u"2"}}}));
-  EXPECT_EQ(URLQueryParametersWithOptions(u"?a[]=1", URLQueryArrayModeAll), (Dictionary{{u"a", Array{u"1"}}}));
-  EXPECT_EQ(URLQueryParametersWithOptions(u"?a=1", URLQueryArrayModeForceArrays), (Dictionary{{u"a", Array{u"1"}}}));
-  EXPECT_EQ(URLQueryParametersWithOptions(u"?a=1&a[]=2&a=3", URLQueryArrayModeLast), (Dictionary{{u"a", u"3"}}));
+  EXPECT_EQ(URLQueryParametersWithOptions(u"?a=1&a=2", URLQueryArrayModeFirst),
+            (Dictionary{{u"a", u"1"}}));
+  EXPECT_EQ(URLQueryParametersWithOptions(u"?a=1&a=2", URLQueryArrayModeAll),
+            (Dictionary{{u"a", Array{u"1", u"2"}}}));
+  EXPECT_EQ(URLQueryParametersWithOptions(u"?a[]=1", URLQueryArrayModeAll),
+            (Dictionary{{u"a", Array{u"1"}}}));
+  EXPECT_EQ(URLQueryParametersWithOptions(u"?a=1", URLQueryArrayModeForceArrays),
+            (Dictionary{{u"a", Array{u"1"}}}));
+  EXPECT_EQ(URLQueryParametersWithOptions(u"?a=1&a[]=2&a=3", URLQueryArrayModeLast),
+            (Dictionary{{u"a", u"3"}}));
   EXPECT_EQ(URLQueryParameters(u"?flag"), Dictionary::dictionary());
   EXPECT_EQ(URLQueryParameters(u"x"), Dictionary::dictionary());
-  EXPECT_EQ(URLQueryParameters(u"?=v&k=&k2=a=b&&"), (Dictionary{{u"", u"v"}, {u"k", u""}, {u"k2", u"a"}}));
-  EXPECT_EQ(URLQueryParameters(u"?n%C3%A4me=v%C3%A4l+ue&bad=%E9"), (Dictionary{{u"näme", u"väl ue"}}));
+  EXPECT_EQ(URLQueryParameters(u"?=v&k=&k2=a=b&&"),
+            (Dictionary{{u"", u"v"}, {u"k", u""}, {u"k2", u"a"}}));
+  EXPECT_EQ(URLQueryParameters(u"?n%C3%A4me=v%C3%A4l+ue&bad=%E9"),
+            (Dictionary{{u"näme", u"väl ue"}}));
 }
 
 TEST(URLQueries, MergingKeepsTheModeRules) {
   EXPECT_EQ(stringByMergingURLQuery(u"x?a=1", u"a=2").utf8(), "x?a=2");
   EXPECT_EQ(stringByMergingURLQuery(u"x?a=1", u"?a=2", URLQueryArrayModeFirst).utf8(), "x?a=1");
-  EXPECT_EQ(stringByMergingURLQuery(u"x?a=1#f", u"http://h/?a=2&b=3", URLQueryArrayModeAll).utf8(), "x?a=1&a=2&b=3#f");
+  EXPECT_EQ(stringByMergingURLQuery(u"x?a=1#f", u"http://h/?a=2&b=3", URLQueryArrayModeAll).utf8(),
+            "x?a=1&a=2&b=3#f");
   EXPECT_EQ(stringByMergingURLQuery(u"x", u"a=1").utf8(), "x?a=1");
   EXPECT_EQ(stringByMergingURLQuery(u"x?a=1", u"").utf8(), "x?a=1");
   // Round trip through build, parse and merge with the syntax bit.
   const Dictionary p{{u"a", Array{u"1", u"2"}}};
   const String built = URLQueryWithParameters(p, URLQueryArrayModeAll | URLQueryArraySyntax);
   EXPECT_EQ(URLQueryParametersWithOptions(built, URLQueryArrayModeAll), p);
-  EXPECT_EQ(stringByMergingURLQuery(u"x?a[]=0", built, URLQueryArrayModeAll | URLQueryArraySyntax).utf8(),
-            "x?a[]=0&a[]=1&a[]=2");
+  EXPECT_EQ(
+      stringByMergingURLQuery(u"x?a[]=0", built, URLQueryArrayModeAll | URLQueryArraySyntax).utf8(),
+      "x?a[]=0&a[]=1&a[]=2");
   // Mode 4 wraps a new name's value, already an array, once more; the nested array cannot be
   // written back, which is the caller's mistake in that mode.
   EXPECT_THROW(stringByMergingURLQuery(u"x?b=0", u"a=1", URLQueryArrayModeForceArrays), Exception);
@@ -116,7 +129,9 @@ TEST(URLValues, FilePathsAndRelativeText) {
   EXPECT_TRUE(URLValue(u"/tmp/clip.mov").isFileURL());
   EXPECT_EQ(URLValue(u"http://h/x").host().utf8(), "h");
   EXPECT_TRUE(URLValue(u"not a url").isNil());
-  EXPECT_EQ(URLValueRelativeToURL(u"y", URL::URLWithString(u"http://h/a/x")).absoluteString().utf8(), "http://h/a/y");
+  EXPECT_EQ(
+      URLValueRelativeToURL(u"y", URL::URLWithString(u"http://h/a/x")).absoluteString().utf8(),
+      "http://h/a/y");
 }
 
 TEST(Base64Text, EncodeAndTolerantDecode) {

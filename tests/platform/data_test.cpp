@@ -69,7 +69,8 @@ TEST(Data, FilesReadMappedOrCopiedAndWriteAtomically) {
   ASSERT_EQ(::stat(copy.utf8().c_str(), &info), 0);
   EXPECT_NE(info.st_mode & 0044, 0u);  // not left with mkstemp's private mode
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path()), {}), 2);  // no leftovers
-  EXPECT_EQ(Data::dataWithContentsOfFile(String(dir.write("empty", "").string()), NSDataReadingMappedIfSafe),
+  EXPECT_EQ(Data::dataWithContentsOfFile(String(dir.write("empty", "").string()),
+                                         NSDataReadingMappedIfSafe),
             Data::data());
 }
 
@@ -82,7 +83,8 @@ TEST(Data, FileErrorsSayWhatWentWrong) {
   EXPECT_FALSE(Data::withString("x").writeToFile(u"/no/such/dir/file", true, &error));
   EXPECT_EQ(error.code(), 512);
   testing::TempDir dir;
-  EXPECT_TRUE(Data::dataWithContentsOfFile(String(dir.path().string()), 0, &error).isNil());  // a folder
+  EXPECT_TRUE(
+      Data::dataWithContentsOfFile(String(dir.path().string()), 0, &error).isNil());  // a folder
 }
 
 }  // namespace

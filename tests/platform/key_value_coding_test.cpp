@@ -39,7 +39,8 @@ TEST(KeyValueCoding, UnknownKeysRaise) {
       FAIL();
     } catch (const Exception& e) {
       EXPECT_EQ(e.name().utf8(), "NSUnknownKeyException");
-      EXPECT_TRUE(e.reason().hasSuffix(u"this class is not key value coding-compliant for the key colour."));
+      EXPECT_TRUE(e.reason().hasSuffix(
+          u"this class is not key value coding-compliant for the key colour."));
     }
   }
   EXPECT_THROW(setValueForKey(clip(u"A", 1), Value(1), u"title"), Exception);  // read-only
@@ -58,7 +59,8 @@ TEST(KeyValueCoding, MethodsByNameAndClasses) {
   EXPECT_FALSE(a.isKindOfClass(u"StillClip"));
   EXPECT_EQ(valueForKey(still, u"name").asString().utf8(), "S");  // inherited property
   EXPECT_NE(ClassRegistry::classNamed(u"StillClip"), nullptr);
-  EXPECT_EQ(ClassRegistry::classNamed(u"StillClip")->superclass(), ClassRegistry::classNamed(u"Clip"));
+  EXPECT_EQ(ClassRegistry::classNamed(u"StillClip")->superclass(),
+            ClassRegistry::classNamed(u"Clip"));
 }
 
 TEST(IndexSet, RangesMergeAndSplit) {
@@ -81,7 +83,8 @@ TEST(SortDescriptors, StableByKeyWithNilFirst) {
   const Array clips{clip(u"b", 2), clip(u"a", 2), clip(u"c", 1), Dictionary{{u"x", 1}}};
   const Array byFrames = sortedArrayUsingDescriptors(clips, {SortDescriptor(u"frames", true)});
   EXPECT_EQ(valueForKey(byFrames, u"name"), (Array{kNull, u"c", u"b", u"a"}));
-  const Array descending = sortedArrayUsingDescriptors(clips, {SortDescriptor(u"frames", false), SortDescriptor(u"name", true)});
+  const Array descending = sortedArrayUsingDescriptors(
+      clips, {SortDescriptor(u"frames", false), SortDescriptor(u"name", true)});
   EXPECT_EQ(valueForKey(descending, u"name"), (Array{u"a", u"b", u"c", kNull}));
 }
 

@@ -7,7 +7,8 @@ namespace {
 
 TEST(RegularExpression, CompileErrorsCarryTheCompilersMessage) {
   Error error;
-  const RegularExpression bad = RegularExpression::regularExpressionWithPattern(u"(unclosed", 0, &error);
+  const RegularExpression bad =
+      RegularExpression::regularExpressionWithPattern(u"(unclosed", 0, &error);
   EXPECT_TRUE(bad.isNil());
   EXPECT_EQ(error.domain().utf8(), "NSCocoaErrorDomain");
   EXPECT_EQ(error.code(), 2048);
@@ -17,15 +18,18 @@ TEST(RegularExpression, CompileErrorsCarryTheCompilersMessage) {
 }
 
 TEST(RegularExpression, RangesGroupsAndOptions) {
-  const auto re = RegularExpression::regularExpressionWithPattern(u"c(\\d+)(x)?", NSRegularExpressionCaseInsensitive);
+  const auto re = RegularExpression::regularExpressionWithPattern(
+      u"c(\\d+)(x)?", NSRegularExpressionCaseInsensitive);
   ASSERT_FALSE(re.isNil());
   EXPECT_EQ(re.numberOfCaptureGroups(), 2u);
   const TextCheckingResult m = re.firstMatchInString(u"A001C009", 0, {0, 8});
   EXPECT_EQ(m.range(), (Range{4, 4}));
   EXPECT_EQ(m.rangeAtIndex(1), (Range{5, 3}));
   EXPECT_EQ(m.rangeAtIndex(2), (Range{NSNotFound, 0}));
-  EXPECT_EQ(m.rangeAtIndex(3), (Range{NSNotFound, 0}));  // one past the last: NSNotFound, no exception
-  EXPECT_TRUE(re.firstMatchInString(u"A001C009", 0, {0, 4}).isNil());  // the range bounds the search
+  EXPECT_EQ(m.rangeAtIndex(3),
+            (Range{NSNotFound, 0}));  // one past the last: NSNotFound, no exception
+  EXPECT_TRUE(
+      re.firstMatchInString(u"A001C009", 0, {0, 4}).isNil());  // the range bounds the search
   EXPECT_TRUE(re.firstMatchInString(u"A001C009", NSMatchingAnchored, {0, 8}).isNil());
   EXPECT_FALSE(re.firstMatchInString(u"A001C009", NSMatchingAnchored, {4, 4}).isNil());
   EXPECT_EQ(re.numberOfMatchesInString(u"c1 C2 c3x", 0, {0, 9}), 3u);

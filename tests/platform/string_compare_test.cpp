@@ -33,16 +33,20 @@ INSTANTIATE_TEST_SUITE_P(
         CompareCase{"digits_as_text", u"clip9", u"clip10", 0, NSOrderedDescending},
         CompareCase{"digits_by_value", u"clip9", u"clip10", NSNumericSearch, NSOrderedAscending},
         CompareCase{"leading_zeros_tie", u"clip007", u"clip7", NSNumericSearch, NSOrderedSame},
-        CompareCase{"huge_runs", u"n123456789012345678901234567890", u"n123456789012345678901234567891",
-                    NSNumericSearch, NSOrderedAscending},
-        CompareCase{"arabic_indic_digits", u"take\u0663", u"take12", NSNumericSearch, NSOrderedAscending},
-        CompareCase{"canonical_equivalence", u"caf\u00E9", u"cafe\u0301", 0, NSOrderedSame},
-        CompareCase{"literal_keeps_units", u"caf\u00E9", u"cafe\u0301", NSLiteralSearch, NSOrderedDescending},
-        CompareCase{"diacritics_ignored", u"r\u00E9sum\u00E9", u"resume", NSDiacriticInsensitiveSearch, NSOrderedSame},
-        CompareCase{"width_folded", u"\uFF21\uFF11", u"A1", NSWidthInsensitiveSearch, NSOrderedSame},
-        CompareCase{"width_matters", u"\uFF21", u"B", 0, NSOrderedDescending},
-        CompareCase{"forced_breaks_ties", u"Clip", u"clip", NSCaseInsensitiveSearch | NSForcedOrderingSearch,
+        CompareCase{"huge_runs", u"n123456789012345678901234567890",
+                    u"n123456789012345678901234567891", NSNumericSearch, NSOrderedAscending},
+        CompareCase{"arabic_indic_digits", u"take\u0663", u"take12", NSNumericSearch,
                     NSOrderedAscending},
+        CompareCase{"canonical_equivalence", u"caf\u00E9", u"cafe\u0301", 0, NSOrderedSame},
+        CompareCase{"literal_keeps_units", u"caf\u00E9", u"cafe\u0301", NSLiteralSearch,
+                    NSOrderedDescending},
+        CompareCase{"diacritics_ignored", u"r\u00E9sum\u00E9", u"resume",
+                    NSDiacriticInsensitiveSearch, NSOrderedSame},
+        CompareCase{"width_folded", u"\uFF21\uFF11", u"A1", NSWidthInsensitiveSearch,
+                    NSOrderedSame},
+        CompareCase{"width_matters", u"\uFF21", u"B", 0, NSOrderedDescending},
+        CompareCase{"forced_breaks_ties", u"Clip", u"clip",
+                    NSCaseInsensitiveSearch | NSForcedOrderingSearch, NSOrderedAscending},
         CompareCase{"forced_leading_zeros", u"a01", u"a1", NSNumericSearch | NSForcedOrderingSearch,
                     NSOrderedAscending},
         CompareCase{"prefix_first", u"clip", u"clip1", NSNumericSearch, NSOrderedAscending},
@@ -61,7 +65,8 @@ TEST(CompareOptions, RangeSelectsPartOfTheReceiver) {
 
 TEST(CommonPrefix, LiteralAndCaseless) {
   EXPECT_EQ(String(u"A001C001").commonPrefixWithString(u"A001D", 0).utf8(), "A001");
-  EXPECT_EQ(String(u"CLIPS").commonPrefixWithString(u"clip", NSCaseInsensitiveSearch).utf8(), "CLIP");
+  EXPECT_EQ(String(u"CLIPS").commonPrefixWithString(u"clip", NSCaseInsensitiveSearch).utf8(),
+            "CLIP");
   EXPECT_EQ(String(u"CLIPS").commonPrefixWithString(u"clip", 0).utf8(), "");
   EXPECT_EQ(String(u"\U0001F3ACa").commonPrefixWithString(u"\U0001F3ACb", 0).length(), 2u);
 }

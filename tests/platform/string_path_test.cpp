@@ -42,8 +42,7 @@ TEST_P(PathParts, SplitAsThePlatformDoes) {
 INSTANTIATE_TEST_SUITE_P(
     Paths, PathParts,
     ::testing::Values(PathCase{u"/a/b.mov", "b.mov", "/a", "mov", "/a/b"},
-                      PathCase{u"/a", "a", "/", "", "/a"},
-                      PathCase{u"/", "/", "/", "", "/"},
+                      PathCase{u"/a", "a", "/", "", "/a"}, PathCase{u"/", "/", "/", "", "/"},
                       PathCase{u"", "", "", "", ""},
                       PathCase{u"clip.tar.gz", "clip.tar.gz", "", "gz", "clip.tar"},
                       PathCase{u"a/b/", "b", "a", "", "a/b"},
@@ -64,7 +63,8 @@ TEST(PathPrimitives, AppendingAndStandardising) {
   setenv("HOME", "/home/editor", 1);
   EXPECT_EQ(String(u"~/clips").stringByExpandingTildeInPath().utf8(), "/home/editor/clips");
   EXPECT_EQ(String(u"~").stringByStandardizingPath().utf8(), "/home/editor");
-  EXPECT_EQ(String(u"~no-such-user-here/x").stringByExpandingTildeInPath().utf8(), "~no-such-user-here/x");
+  EXPECT_EQ(String(u"~no-such-user-here/x").stringByExpandingTildeInPath().utf8(),
+            "~no-such-user-here/x");
   EXPECT_TRUE(String(u"~/x").isAbsolutePath());
   EXPECT_FALSE(String(u"x/y").isAbsolutePath());
 }
@@ -80,7 +80,8 @@ TEST(PathPrimitives, SymlinksResolvedInTheExistingPart) {
 }
 
 TEST(Encodings, LossyASCIIAndRoundTrips) {
-  EXPECT_EQ(String(u"Tärnvik ß").dataUsingEncoding(NSASCIIStringEncoding, true).asStringView(), "Tarnvik ss");
+  EXPECT_EQ(String(u"Tärnvik ß").dataUsingEncoding(NSASCIIStringEncoding, true).asStringView(),
+            "Tarnvik ss");
   EXPECT_TRUE(String(u"Tärnvik").dataUsingEncoding(NSASCIIStringEncoding).isNil());
   EXPECT_EQ(String(u"é").dataUsingEncoding(NSISOLatin1StringEncoding).asStringView(), "\xE9");
   EXPECT_EQ(String::withData(Data::withString("\xE9"), NSISOLatin1StringEncoding).utf8(), "é");

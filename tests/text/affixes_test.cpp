@@ -37,9 +37,12 @@ TEST(Affixes, InPlaceFormsHaveNoEmptyShortcut) {
   EXPECT_EQ(text.utf8(), "abc");
   deletePrefix(text, u"a");
   EXPECT_EQ(text.utf8(), "bc");
-  EXPECT_EQ(raised([&] { deletePrefix(text, u""); }), "NSInvalidArgumentException:  is not a prefix");
-  EXPECT_EQ(raised([&] { deleteSuffix(text, u""); }), "NSInvalidArgumentException:  is not a suffix");
-  EXPECT_EQ(raised([&] { deletePrefix(text, u"zz"); }), "NSInvalidArgumentException: zz is not a prefix");
+  EXPECT_EQ(raised([&] { deletePrefix(text, u""); }),
+            "NSInvalidArgumentException:  is not a prefix");
+  EXPECT_EQ(raised([&] { deleteSuffix(text, u""); }),
+            "NSInvalidArgumentException:  is not a suffix");
+  EXPECT_EQ(raised([&] { deletePrefix(text, u"zz"); }),
+            "NSInvalidArgumentException: zz is not a prefix");
   EXPECT_EQ(text.utf8(), "bc");  // unchanged after raising
   replaceOccurrencesOfString(text, u"c", u"cc");
   EXPECT_EQ(text.utf8(), "bcc");
@@ -85,9 +88,13 @@ TEST(Affixes, RangesBeforeAndAfter) {
   EXPECT_EQ(rangeBeforeRange(text, {0, 1}), (Range{NSNotFound, 0}));
   EXPECT_EQ(rangeAfterRange(text, {4, 1}), (Range{5, 3}));
   EXPECT_EQ(rangeAfterRange(text, {5, 3}), (Range{NSNotFound, 0}));
-  EXPECT_EQ(raised([&] { rangeAfterRange(text, {NSNotFound, 0}); }),
+  EXPECT_EQ(raised([&] {
+              rangeAfterRange(text, {NSNotFound, 0});
+            }),
             "NSRangeException: range.location must not be NSNotFound");
-  EXPECT_EQ(raised([&] { rangeBeforeRange(text, {6, 3}); }),
+  EXPECT_EQ(raised([&] {
+              rangeBeforeRange(text, {6, 3});
+            }),
             "NSRangeException: range lies outside range of receiver");
 }
 
@@ -104,32 +111,37 @@ class RunsOfMembers : public ::testing::TestWithParam<RunCase> {};
 
 TEST_P(RunsOfMembers, FindTheFirstMaximalRun) {
   const auto& c = GetParam();
-  EXPECT_EQ(rangeOfCharactersFromSet(u"clip12x34", CharacterSet::decimalDigitCharacterSet(), c.options, c.range),
+  EXPECT_EQ(rangeOfCharactersFromSet(u"clip12x34", CharacterSet::decimalDigitCharacterSet(),
+                                     c.options, c.range),
             c.expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, RunsOfMembers,
-    ::testing::Values(RunCase{"forward", 0, {0, 9}, {4, 2}},
-                      RunCase{"backwards", NSBackwardsSearch, {0, 9}, {7, 2}},
-                      RunCase{"backwards_within", NSBackwardsSearch, {0, 7}, {4, 2}},
-                      RunCase{"anchored_miss", NSAnchoredSearch, {0, 9}, {NSNotFound, 0}},
-                      RunCase{"anchored_hit", NSAnchoredSearch, {4, 5}, {4, 2}},
-                      RunCase{"run_cut_by_range", 0, {0, 5}, {4, 1}},
-                      RunCase{"ignores_other_bits", NSCaseInsensitiveSearch | NSLiteralSearch, {0, 9}, {4, 2}},
-                      // No member inside {0, 4}: the unit after the range, a digit, is read.
-                      RunCase{"outside_after", 0, {0, 4}, {4, 0}},
-                      // No member inside {6, 1} backwards: the unit before it, a digit, is read.
-                      RunCase{"outside_before", NSBackwardsSearch, {6, 1}, {6, 0}},
-                      RunCase{"outside_non_member", 0, {0, 3}, {NSNotFound, 0}}),
+    ::testing::Values(
+        RunCase{"forward", 0, {0, 9}, {4, 2}},
+        RunCase{"backwards", NSBackwardsSearch, {0, 9}, {7, 2}},
+        RunCase{"backwards_within", NSBackwardsSearch, {0, 7}, {4, 2}},
+        RunCase{"anchored_miss", NSAnchoredSearch, {0, 9}, {NSNotFound, 0}},
+        RunCase{"anchored_hit", NSAnchoredSearch, {4, 5}, {4, 2}},
+        RunCase{"run_cut_by_range", 0, {0, 5}, {4, 1}},
+        RunCase{"ignores_other_bits", NSCaseInsensitiveSearch | NSLiteralSearch, {0, 9}, {4, 2}},
+        // No member inside {0, 4}: the unit after the range, a digit, is read.
+        RunCase{"outside_after", 0, {0, 4}, {4, 0}},
+        // No member inside {6, 1} backwards: the unit before it, a digit, is read.
+        RunCase{"outside_before", NSBackwardsSearch, {6, 1}, {6, 0}},
+        RunCase{"outside_non_member", 0, {0, 3}, {NSNotFound, 0}}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST(Affixes, RunSearchReadingPastTheTextRaises) {
   const CharacterSet digits = CharacterSet::decimalDigitCharacterSet();
-  EXPECT_EQ(raised([&] { rangeOfCharactersFromSet(u"clip", digits); }).substr(0, 16), "NSRangeException");
-  EXPECT_EQ(raised([&] { rangeOfCharactersFromSet(u"clip", digits, NSBackwardsSearch); }).substr(0, 16),
+  EXPECT_EQ(raised([&] { rangeOfCharactersFromSet(u"clip", digits); }).substr(0, 16),
             "NSRangeException");
-  EXPECT_EQ(raised([&] { rangeOfCharactersFromSet(u"", digits); }).substr(0, 16), "NSRangeException");
+  EXPECT_EQ(
+      raised([&] { rangeOfCharactersFromSet(u"clip", digits, NSBackwardsSearch); }).substr(0, 16),
+      "NSRangeException");
+  EXPECT_EQ(raised([&] { rangeOfCharactersFromSet(u"", digits); }).substr(0, 16),
+            "NSRangeException");
 }
 
 }  // namespace

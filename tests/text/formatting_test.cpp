@@ -30,10 +30,11 @@ TEST(Plurals, TranslatedThroughTheMainBundle) {
 }
 
 TEST(SpelledNumbers, FixedTableElseDigits) {
-  const std::pair<UInteger, const char*> cases[] = {{1, "one"},     {12, "twelve"}, {13, "13"},  {20, "twenty"},
-                                                    {40, "fourty"}, {90, "ninety"}, {21, "21"},  {0, "0"},
-                                                    {100, "100"}};
-  for (const auto& [value, text] : cases) EXPECT_EQ(fullySpelledStringForUnsignedInteger(value).utf8(), text);
+  const std::pair<UInteger, const char*> cases[] = {{1, "one"},     {12, "twelve"}, {13, "13"},
+                                                    {20, "twenty"}, {40, "fourty"}, {90, "ninety"},
+                                                    {21, "21"},     {0, "0"},       {100, "100"}};
+  for (const auto& [value, text] : cases)
+    EXPECT_EQ(fullySpelledStringForUnsignedInteger(value).utf8(), text);
 }
 
 TEST(Capitals, FirstLetterAndCamelCase) {
@@ -57,17 +58,26 @@ TEST(ASCIIFolding, LatinLettersLoseTheirAccents) {
 TEST(XMLEscaping, TwoFormsForTheApostrophe) {
   EXPECT_EQ(stringByEscapingXMLCharacters(u"a&lt;b").utf8(), "a&amp;lt;b");
   EXPECT_EQ(stringByEscapingXMLCharacters(u"<\"it's\">").utf8(), "&lt;&quot;it&#x27;s&quot;&gt;");
-  EXPECT_EQ(xmlEscapedString(u"<\"it's\"> & more").utf8(), "&lt;&quot;it&apos;s&quot;&gt; &amp; more");
+  EXPECT_EQ(xmlEscapedString(u"<\"it's\"> & more").utf8(),
+            "&lt;&quot;it&apos;s&quot;&gt; &amp; more");
   EXPECT_EQ(_invalidXMLCharacterEscapeMap().count(), 5u);
 }
 
 TEST(GuardedReplacement, FallsBackToTheAlternative) {
-  EXPECT_EQ(stringByReplacingOccurencesOfString(u"<name>.mov", u"<name>", String(), u"untitled", false).utf8(),
-            "untitled.mov");
-  EXPECT_EQ(stringByReplacingOccurencesOfString(u"clip.mov", u"<name>", String(), u"untitled", false).utf8(),
-            "clip.mov");
-  EXPECT_EQ(stringByReplacingOccurencesOfString(u"<n>", u"<n>", u"a&b", u"x", false, true).utf8(), "a&amp;b");
-  EXPECT_EQ(stringByReplacingOccurencesOfString(u"a\u0378b\u0007<n>", u"<n>", u"c\uFFFF", u"x", true).utf8(), "abc");
+  EXPECT_EQ(
+      stringByReplacingOccurencesOfString(u"<name>.mov", u"<name>", String(), u"untitled", false)
+          .utf8(),
+      "untitled.mov");
+  EXPECT_EQ(
+      stringByReplacingOccurencesOfString(u"clip.mov", u"<name>", String(), u"untitled", false)
+          .utf8(),
+      "clip.mov");
+  EXPECT_EQ(stringByReplacingOccurencesOfString(u"<n>", u"<n>", u"a&b", u"x", false, true).utf8(),
+            "a&amp;b");
+  EXPECT_EQ(
+      stringByReplacingOccurencesOfString(u"a\u0378b\u0007<n>", u"<n>", u"c\uFFFF", u"x", true)
+          .utf8(),
+      "abc");
   try {
     stringByReplacingOccurencesOfString(u"a", u"a", u"b", String(), false);
     FAIL();
@@ -87,7 +97,8 @@ TEST(PatternTest, AnchoredAtTheStartOnly) {
     FAIL();
   } catch (const Exception& e) {
     EXPECT_EQ(e.name().utf8(), "NSInternalInconsistencyException");
-    EXPECT_TRUE(e.reason().hasPrefix(u"could not compile regex pattern '(unclosed': Error Domain=NSCocoaErrorDomain Code=2048"))
+    EXPECT_TRUE(e.reason().hasPrefix(
+        u"could not compile regex pattern '(unclosed': Error Domain=NSCocoaErrorDomain Code=2048"))
         << e.reason().utf8();
   }
 }

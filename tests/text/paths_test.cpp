@@ -17,18 +17,22 @@ using testing::FixedVolumesFileManager;
 TEST(Volumes, TheFirstListedPrefixClaimsThePath) {
   FixedVolumesFileManager volumes(Array{u"/", u"/Volumes/Media", u"/Volumes/Media2"});
   EXPECT_EQ(volumePath(u"/Volumes/Media/Day01/clip.mov", volumes).utf8(), "/Volumes/Media");
-  EXPECT_EQ(volumePath(u"/Volumes/Media2/clip.mov", volumes).utf8(), "/Volumes/Media");  // boundary-blind
+  EXPECT_EQ(volumePath(u"/Volumes/Media2/clip.mov", volumes).utf8(),
+            "/Volumes/Media");  // boundary-blind
   EXPECT_EQ(volumePath(u"/Volumes/Media", volumes).utf8(), "/Volumes/Media");
   EXPECT_EQ(volumePath(u"/Users/editor/clip.mov", volumes).utf8(), "/");
-  EXPECT_EQ(volumePath(u"/Volumes/Other/../Media/x", volumes).utf8(), "/Volumes/Media");  // standardised
+  EXPECT_EQ(volumePath(u"/Volumes/Other/../Media/x", volumes).utf8(),
+            "/Volumes/Media");  // standardised
   FixedVolumesFileManager reversed(Array{u"/Volumes/Media2", u"/Volumes/Media"});
   EXPECT_EQ(volumePath(u"/Volumes/Media2/clip.mov", reversed).utf8(), "/Volumes/Media2");
 }
 
 TEST(Volumes, StrippingRemovesTheVolumesLength) {
   FixedVolumesFileManager volumes(Array{u"/", u"/Volumes/Media"});
-  EXPECT_EQ(stringByStrippingVolumesFromPath(u"/Volumes/Media/Day01/clip.mov", volumes).utf8(), "/Day01/clip.mov");
-  EXPECT_EQ(stringByStrippingVolumesFromPath(u"/Users/editor/clip.mov", volumes).utf8(), "Users/editor/clip.mov");
+  EXPECT_EQ(stringByStrippingVolumesFromPath(u"/Volumes/Media/Day01/clip.mov", volumes).utf8(),
+            "/Day01/clip.mov");
+  EXPECT_EQ(stringByStrippingVolumesFromPath(u"/Users/editor/clip.mov", volumes).utf8(),
+            "Users/editor/clip.mov");
   EXPECT_EQ(stringByStrippingVolumesFromPath(u"/", volumes).utf8(), "/");
   EXPECT_EQ(stringByStrippingVolumesFromPath(u"/Volumes/Media", volumes).utf8(), "/");
 }
@@ -74,13 +78,16 @@ TEST(PathStrings, AbsoluteAndRelative) {
   EXPECT_TRUE(absolutePathFromBaseDirPath(u"../../../x", u"/a").isNil());
   setenv("HOME", "/home/editor", 1);
   EXPECT_EQ(absolutePathFromBaseDirPath(u"~/clips", u"/a").utf8(), "/home/editor/clips");
-  EXPECT_EQ(relativePathFromBaseDirPath(u"/a/b/c/clip.mov", u"/a/b/x/y").utf8(), "../../c/clip.mov");
+  EXPECT_EQ(relativePathFromBaseDirPath(u"/a/b/c/clip.mov", u"/a/b/x/y").utf8(),
+            "../../c/clip.mov");
   EXPECT_EQ(relativePathFromBaseDirPath(u"/a/b", u"/a/b").utf8(), "");
   EXPECT_EQ(relativePathFromBaseDirPath(u"/a/B/c", u"/a/b").utf8(), "../B/c");  // case-sensitive
 }
 
 TEST(PathStrings, SeparatorsColonsAndSlashes) {
-  EXPECT_EQ(stringByReplacingOccurencesOfFileSystemPathSeparators(u"ignored", u"a/b:c\\d~e#f").utf8(), "a_b_c_d_e_f");
+  EXPECT_EQ(
+      stringByReplacingOccurencesOfFileSystemPathSeparators(u"ignored", u"a/b:c\\d~e#f").utf8(),
+      "a_b_c_d_e_f");
   EXPECT_EQ(stringByReplacingColons(u"10:00:00").utf8(), "10;00;00");
   EXPECT_EQ(stringByReplacingColonsInString(u"ignored", u"a:b").utf8(), "a;b");
   EXPECT_EQ(stringWithTrailingSlash(u"/a").utf8(), "/a/");
@@ -92,7 +99,8 @@ TEST(PathStrings, RealPathOfExistingFilesOnly) {
   testing::TempDir dir;
   dir.write("f/clip.mov", "x");
   const std::string canonical = std::filesystem::canonical(dir.path() / "f" / "clip.mov").string();
-  EXPECT_EQ(realPath(String((dir.path() / "f" / ".." / "f" / "clip.mov").string())).utf8(), canonical);
+  EXPECT_EQ(realPath(String((dir.path() / "f" / ".." / "f" / "clip.mov").string())).utf8(),
+            canonical);
   EXPECT_TRUE(realPath(String((dir.path() / "missing").string())).isNil());
 }
 

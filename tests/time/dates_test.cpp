@@ -15,16 +15,19 @@ TEST_F(Dates, FixedMachineFormats) {
   EXPECT_EQ(xmlConformString(d).utf8(), "2024-03-05T14:15:30+0100");
   EXPECT_EQ(iso8601String(d).utf8(), "2024-03-05T14:15:30.250+0100");
   EXPECT_EQ(javaScriptCompatibleString(d).utf8(), "2024-03-05T14:15:30.250+0100");
-  EXPECT_EQ(stringWithDateFormat(berlin(2026, 7, 1, 9, 5), u"HH:mm zzzz").utf8(), "09:05 Central European Summer Time");
+  EXPECT_EQ(stringWithDateFormat(berlin(2026, 7, 1, 9, 5), u"HH:mm zzzz").utf8(),
+            "09:05 Central European Summer Time");
 }
 
 TEST_F(Dates, JavaScriptStringsRoundTripToTheMillisecond) {
   for (const Date d : {berlin(1950, 6, 1, 12, 0, 0.125), berlin(1969, 12, 31, 23, 59, 59.5),
-                       berlin(2001, 1, 1, 0, 0), berlin(2038, 1, 19, 4, 14, 8.75), berlin(2100, 2, 28, 23, 59, 59.875)}) {
+                       berlin(2001, 1, 1, 0, 0), berlin(2038, 1, 19, 4, 14, 8.75),
+                       berlin(2100, 2, 28, 23, 59, 59.875)}) {
     const String text = javaScriptCompatibleString(d);
     const auto back = dateFromJavaScriptCompatibleString(text);
     ASSERT_TRUE(back.has_value()) << text.utf8();
-    EXPECT_DOUBLE_EQ(back->timeIntervalSinceReferenceDate, d.timeIntervalSinceReferenceDate) << text.utf8();
+    EXPECT_DOUBLE_EQ(back->timeIntervalSinceReferenceDate, d.timeIntervalSinceReferenceDate)
+        << text.utf8();
   }
   EXPECT_FALSE(dateFromJavaScriptCompatibleString(u"2024-03-05").has_value());
   EXPECT_FALSE(dateFromJavaScriptCompatibleString(u"").has_value());
@@ -59,10 +62,12 @@ TEST_F(Dates, HumanTextNamesNearbyDays) {
       {"seven days ago", berlin(2026, 3, 24, 10, 0), "Mar 24, 2026, 10:00\u202FAM"},
       {"day after tomorrow", berlin(2026, 4, 2, 10, 0), "Apr 2, 2026, 10:00\u202FAM"},
   };
-  for (const HumanCase& c : cases) EXPECT_EQ(humanReadableString(c.date).utf8(), c.oneLine) << c.name;
+  for (const HumanCase& c : cases)
+    EXPECT_EQ(humanReadableString(c.date).utf8(), c.oneLine) << c.name;
   EXPECT_EQ(humanReadableStringTwoLinesWhenLonger(berlin(2026, 3, 24, 10, 0), true).utf8(),
             "Mar 24, 2026\n10:00\u202FAM");
-  EXPECT_EQ(humanReadableStringTwoLinesWhenLonger(berlin(2026, 3, 30, 10, 0), true).utf8(), "Yesterday 10:00\u202FAM");
+  EXPECT_EQ(humanReadableStringTwoLinesWhenLonger(berlin(2026, 3, 30, 10, 0), true).utf8(),
+            "Yesterday 10:00\u202FAM");
 }
 
 TEST_F(Dates, HumanTextAcrossTheChangeToSummerTime) {

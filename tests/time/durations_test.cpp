@@ -10,15 +10,36 @@ namespace {
 
 TEST(Durations, EveryThresholdFromBothSides) {
   const float inf = std::numeric_limits<float>::infinity();
-  const std::pair<float, const char*> cases[] = {
-      {0, "0 sec"},           {-0.0f, "0 sec"},          {0.05f, "0.05 sec"},       {0.0999f, "0.10 sec"},
-      {0.1f, "0.1 sec"},      {3.99f, "4.0 sec"},        {3.94f, "3.9 sec"},        {4, "4 sec"},
-      {2.5f, "2.5 sec"},      {4.5f, "4 sec"},           {5.5f, "6 sec"},           {58.9f, "59 sec"},
-      {58.99f, "59 sec"},     {59, "0:59 min"},          {59.99f, "0:59 min"},      {61.9f, "1:01 min"},
-      {3539, "58:59 min"},    {3539.9f, "58:59 min"},    {3540, "0:59:00 h"},       {3599, "0:59:59 h"},
-      {3661, "1:01:01 h"},    {90061, "25:01:01 h"},     {-3, "-3.00 sec"},         {-120, "-120.00 sec"},
-      {1e12f, "596523:14:07 h"}, {std::nanf(""), "--:--:--"}, {inf, "--:--:--"},  {-inf, "--:--:--"}};
-  for (const auto& [seconds, text] : cases) EXPECT_EQ(humanReadableStringForDuration(seconds).utf8(), text) << seconds;
+  const std::pair<float, const char*> cases[] = {{0, "0 sec"},
+                                                 {-0.0f, "0 sec"},
+                                                 {0.05f, "0.05 sec"},
+                                                 {0.0999f, "0.10 sec"},
+                                                 {0.1f, "0.1 sec"},
+                                                 {3.99f, "4.0 sec"},
+                                                 {3.94f, "3.9 sec"},
+                                                 {4, "4 sec"},
+                                                 {2.5f, "2.5 sec"},
+                                                 {4.5f, "4 sec"},
+                                                 {5.5f, "6 sec"},
+                                                 {58.9f, "59 sec"},
+                                                 {58.99f, "59 sec"},
+                                                 {59, "0:59 min"},
+                                                 {59.99f, "0:59 min"},
+                                                 {61.9f, "1:01 min"},
+                                                 {3539, "58:59 min"},
+                                                 {3539.9f, "58:59 min"},
+                                                 {3540, "0:59:00 h"},
+                                                 {3599, "0:59:59 h"},
+                                                 {3661, "1:01:01 h"},
+                                                 {90061, "25:01:01 h"},
+                                                 {-3, "-3.00 sec"},
+                                                 {-120, "-120.00 sec"},
+                                                 {1e12f, "596523:14:07 h"},
+                                                 {std::nanf(""), "--:--:--"},
+                                                 {inf, "--:--:--"},
+                                                 {-inf, "--:--:--"}};
+  for (const auto& [seconds, text] : cases)
+    EXPECT_EQ(humanReadableStringForDuration(seconds).utf8(), text) << seconds;
 }
 
 TEST(Durations, NotLessThanAMinimum) {
@@ -30,11 +51,13 @@ TEST(Durations, NotLessThanAMinimum) {
 
 TEST(Durations, IntervalsInTheLargestUnit) {
   const std::pair<double, const char*> cases[] = {
-      {30, "30 seconds"},      {0.3, "1 seconds"},       {-100, "1 seconds"},      {59.9, "60 seconds"},
-      {60, "about 1 minute"},  {90, "2 minutes"},        {3599, "60 minutes"},     {3600, "about 1 hour"},
-      {4320, "1 hours"},       {86400, "about 1 day"},   {172800, "2 days"},       {604800, "about 1 week"},
-      {1209600, "2 weeks"},    {86400 * 365.0, "52 weeks"}};
-  for (const auto& [seconds, text] : cases) EXPECT_EQ(humanReadableStringForTimeInterval(seconds).utf8(), text) << seconds;
+      {30, "30 seconds"},     {0.3, "1 seconds"},         {-100, "1 seconds"},
+      {59.9, "60 seconds"},   {60, "about 1 minute"},     {90, "2 minutes"},
+      {3599, "60 minutes"},   {3600, "about 1 hour"},     {4320, "1 hours"},
+      {86400, "about 1 day"}, {172800, "2 days"},         {604800, "about 1 week"},
+      {1209600, "2 weeks"},   {86400 * 365.0, "52 weeks"}};
+  for (const auto& [seconds, text] : cases)
+    EXPECT_EQ(humanReadableStringForTimeInterval(seconds).utf8(), text) << seconds;
 }
 
 using Timecodes = testing::PinnedTime;

@@ -25,7 +25,8 @@ Data crypt(const Data& input, const String& key, bool encrypt) {
   const unsigned char iv[16] = {};
   std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)> ctx(EVP_CIPHER_CTX_new(),
                                                                       EVP_CIPHER_CTX_free);
-  if (!ctx || EVP_CipherInit_ex(ctx.get(), EVP_aes_256_cbc(), nullptr, k.data(), iv, encrypt ? 1 : 0) != 1) {
+  if (!ctx || EVP_CipherInit_ex(ctx.get(), EVP_aes_256_cbc(), nullptr, k.data(), iv,
+                                encrypt ? 1 : 0) != 1) {
     return Data();
   }
   ByteBuffer out(input.length() + 16);
@@ -34,7 +35,8 @@ Data crypt(const Data& input, const String& key, bool encrypt) {
   for (std::size_t at = 0; at < input.length(); at += kSlice) {
     const int chunk = static_cast<int>(std::min(kSlice, input.length() - at));
     int written = 0;
-    if (EVP_CipherUpdate(ctx.get(), out.data() + produced, &written, in + at, chunk) != 1) return Data();
+    if (EVP_CipherUpdate(ctx.get(), out.data() + produced, &written, in + at, chunk) != 1)
+      return Data();
     produced += static_cast<std::size_t>(written);
   }
   int written = 0;

@@ -64,7 +64,8 @@ Data md5BinaryForm(const String& text) {
 String SHA1Sum(const String& text) {
   const std::string utf8 = text.utf8();
   Digest d;
-  const std::size_t size = digest(EVP_sha1(), utf8.data(), std::min<std::size_t>(text.length(), utf8.size()), d);
+  const std::size_t size =
+      digest(EVP_sha1(), utf8.data(), std::min<std::size_t>(text.length(), utf8.size()), d);
   return hexstringWithBytes(d.data(), size);
 }
 

@@ -78,7 +78,8 @@ String hexBlockStringOfLength(const Data& data, std::uint32_t length) {
 }
 
 String hexBlockWithASCIIStringOfLength(const Data& data, std::uint32_t length) {
-  if (!lengthIsUsable(data, length, u"-[NSData(KEHexExtensions) hexBlockWithASCIIStringOfLength:]")) {
+  if (!lengthIsUsable(data, length,
+                      u"-[NSData(KEHexExtensions) hexBlockWithASCIIStringOfLength:]")) {
     return String(u"");
   }
   const std::uint8_t* bytes = data.bytes();
@@ -95,7 +96,8 @@ String hexBlockWithASCIIStringOfLength(const Data& data, std::uint32_t length) {
   for (std::size_t at = 0; at < total; at += length) {
     const std::size_t count = at + length > total ? total % length : length;
     const std::size_t width = offsetWidth(at);
-    for (std::size_t i = width, rest = at; i-- > 0; rest /= 10) w[i] = static_cast<char16_t>(u'0' + rest % 10);
+    for (std::size_t i = width, rest = at; i-- > 0; rest /= 10)
+      w[i] = static_cast<char16_t>(u'0' + rest % 10);
     w += width;
     *w++ = u':';
     ++w;
@@ -135,7 +137,9 @@ Data ke_dataFromHexString(const String& text) {
   return Data::withBuffer(std::move(bytes));
 }
 
-String hexstringWithBytes(const Data& data) { return hexstringWithBytes(data.bytes(), data.length()); }
+String hexstringWithBytes(const Data& data) {
+  return hexstringWithBytes(data.bytes(), data.length());
+}
 
 String hexstringWithBytes(const void* bytes, std::size_t length) {
   const auto* b = static_cast<const std::uint8_t*>(bytes);
@@ -148,7 +152,8 @@ String hexstringWithBytes(const void* bytes, std::size_t length) {
 }
 
 Data noCopySubdataWithRange(const Data& data, Range range) {
-  const bool inside = range.location <= data.length() && range.length <= data.length() - range.location;
+  const bool inside =
+      range.location <= data.length() && range.length <= data.length() - range.location;
   if (!inside) {
     KU_ASSERT(inside, u"-[NSData(KUDataExtensions) noCopySubdataWithRange:]", Value(data),
               u"given range for subdata is outside of available data");

@@ -3,8 +3,8 @@
 #include <unordered_map>
 
 #include "tarnvik/core/checks.hpp"
-#include "tarnvik/platform/key_value_coding.hpp"
 #include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/key_value_coding.hpp"
 #include "tarnvik/platform/sort_descriptor.hpp"
 
 namespace tarnvik {
@@ -13,7 +13,9 @@ namespace {
 
 Array nilWhenEmpty(Array array) { return array.isEmpty() ? Array() : array; }
 
-Array slice(const Array& array, UInteger from, UInteger length) { return array.subarrayWithRange({from, length}); }
+Array slice(const Array& array, UInteger from, UInteger length) {
+  return array.subarrayWithRange({from, length});
+}
 
 // nil matches nil; otherwise equality.
 bool matches(const Value& found, const Value& wanted) {
@@ -27,7 +29,9 @@ Value thirdObject(const Array& array) { return existingObjectAtIndex(array, 2); 
 Value existingObjectAtIndex(const Array& array, UInteger index) {
   return index < array.count() ? array[index] : Value();
 }
-bool containsObjectIdenticalTo(const Array& array, const Value& object) { return array.containsObjectIdenticalTo(object); }
+bool containsObjectIdenticalTo(const Array& array, const Value& object) {
+  return array.containsObjectIdenticalTo(object);
+}
 
 Value firstObjectWithKindOfClass(const Array& array, const String& className) {
   for (const Value& element : array) {
@@ -58,12 +62,14 @@ bool containsObjectWithValue(const Array& array, const Value& value, const Strin
   return !objectsWithValueForKey(array, value, key).isNil();
 }
 
-Array objectsWithValueDifferentToValues(const Array& array, const Array& values, const String& key) {
+Array objectsWithValueDifferentToValues(const Array& array, const Array& values,
+                                        const String& key) {
   Array kept = Array::array();
   for (const Value& element : array) {
     const Value found = valueForKey(element, key);
     if (values.isNil() && found.isNil()) continue;
-    for (const Value& candidate : values) (void)candidate.isEqual(found);  // compared, never consulted
+    for (const Value& candidate : values)
+      (void)candidate.isEqual(found);  // compared, never consulted
     kept.addObject(element);
   }
   return nilWhenEmpty(kept);
@@ -75,15 +81,17 @@ Array objectsWithBOOL(const Array& array, bool value, const String& key) {
     const auto method = methodNamed(element, key);
     if (!method) continue;
     const Value result = method->invoke();
-    const auto firstByte = static_cast<unsigned char>(
-        method->returns == ReturnKind::Bool ? (result.boolValue() ? 1 : 0) : (result.integerValue() & 0xFF));
+    const auto firstByte = static_cast<unsigned char>(method->returns == ReturnKind::Bool
+                                                          ? (result.boolValue() ? 1 : 0)
+                                                          : (result.integerValue() & 0xFF));
     if (firstByte == (value ? 1 : 0)) kept.addObject(element);
   }
   return nilWhenEmpty(kept.copy());
 }
 
 Array objectsWithKindOfClass(const Array& array, const String& className) {
-  return filterWithBlock(array, [&](const Value& element) { return element.isKindOfClass(className); });
+  return filterWithBlock(array,
+                         [&](const Value& element) { return element.isKindOfClass(className); });
 }
 
 Array mapWithBlock(const Array& array, const MapBlock& block) {
@@ -123,14 +131,16 @@ Array arrayWithoutLastElement(const Array& array) {
 
 Array subarrayWithLastElements(const Array& array, UInteger count) {
   if (count > array.count()) {
-    raiseRangeFormat(u"Requested element count %lu is larger than array count %lu", count, array.count());
+    raiseRangeFormat(u"Requested element count %lu is larger than array count %lu", count,
+                     array.count());
   }
   return slice(array, array.count() - count, count);
 }
 
 Array subarrayFromIndex(const Array& array, UInteger index) {
   if (index >= array.count()) {
-    raiseRangeFormat(u"Requested startingIndex %lu is >= than array count %lu", index, array.count());
+    raiseRangeFormat(u"Requested startingIndex %lu is >= than array count %lu", index,
+                     array.count());
   }
   return slice(array, index, array.count() - index);
 }
@@ -168,7 +178,8 @@ Array arrayByRemovingObject(const Array& array, const Value& object) {
 
 Array arrayByRemovingObjectsFromArray(const Array& array, const Array& objects) {
   const Set unwanted = Set::setWithArray(objects);
-  return filterWithBlock(array, [&](const Value& element) { return !unwanted.containsObject(element); });
+  return filterWithBlock(array,
+                         [&](const Value& element) { return !unwanted.containsObject(element); });
 }
 
 IndexSet indexesOfObject(const Array& array, const Value& object) {
@@ -224,7 +235,8 @@ Array flatten(const Array& array) {
 Array unflattenWithGroupLength(const Array& array, UInteger length) {
   if (length == 0) raiseInvalidArgument(u"Group length must not be 0");
   KU_ASSERT(array.count() % length == 0, u"-[NSArray(KUArrayExtensions) unflattenWithGroupLength:]",
-            Value(array), u"array length %lu is not a multple of give group length %lu", array.count(), length);
+            Value(array), u"array length %lu is not a multple of give group length %lu",
+            array.count(), length);
   Array groups = Array::arrayWithCapacity(array.count() / length);
   for (UInteger start = 0; start + length <= array.count(); start += length) {
     groups.addObject(slice(array, start, length));
@@ -245,7 +257,8 @@ ComparisonResult compareLexicographicallyToArray(const Array& array, const Array
   const UInteger longest = std::max(array.count(), other.count());
   for (UInteger i = 0; i < longest; ++i) {
     const Value mine = existingObjectAtIndex(array, i), theirs = existingObjectAtIndex(other, i);
-    if (mine.isNil() || theirs.isNil()) return mine.isNil() ? NSOrderedAscending : NSOrderedDescending;
+    if (mine.isNil() || theirs.isNil())
+      return mine.isNil() ? NSOrderedAscending : NSOrderedDescending;
     const ComparisonResult c = mine.compare(theirs);
     if (c != NSOrderedSame) return c;
   }
@@ -257,7 +270,8 @@ Set set(const Array& array) { return Set::setWithArray(array); }
 
 Value mutableDeepCopy(const Value& value) {
   switch (value.kind()) {
-    case Value::Kind::Array: return mutableDeepCopy(value.asArray());
+    case Value::Kind::Array:
+      return mutableDeepCopy(value.asArray());
     case Value::Kind::Set: {
       Set copy = Set::setWithCapacity(value.asSet().count());
       for (const Value& member : value.asSet()) copy.addObject(mutableDeepCopy(member));
@@ -270,10 +284,12 @@ Value mutableDeepCopy(const Value& value) {
     }
     case Value::Kind::Dictionary: {
       Dictionary copy = Dictionary::dictionaryWithCapacity(value.asDictionary().count());
-      for (const auto& [key, object] : value.asDictionary()) copy.setObject(mutableDeepCopy(object), key);
+      for (const auto& [key, object] : value.asDictionary())
+        copy.setObject(mutableDeepCopy(object), key);
       return copy;
     }
-    default: return value.copy();
+    default:
+      return value.copy();
   }
 }
 

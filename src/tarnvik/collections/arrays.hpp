@@ -3,7 +3,8 @@
 // readable enumerations ("files a, b and c").
 //
 //   objectsWithValueForKey(clips, u"A001", u"reel");       // nil when none matches
-//   objectsJoinedAsHumanReadableStringWithSingular(Array{u"a", u"b"}, u"file", u"files");  // "files a and b"
+//   objectsJoinedAsHumanReadableStringWithSingular(Array{u"a", u"b"}, u"file", u"files");  //
+//   "files a and b"
 //
 // Value-matching selections answer nil when nothing matches; class and block selections
 // answer an empty array. Classes are named by their class name ("NSString", "Clip").

@@ -25,7 +25,10 @@ Dictionary dictionaryByAddingDictionary(const Dictionary& dictionary, const Dict
   for (const auto& [key, theirs] : other) {
     const Dictionary mine = dictionary.objectForKey(key).asDictionary();
     const Dictionary nested = theirs.asDictionary();
-    merged.setObject(!mine.isNil() && !nested.isNil() ? Value(dictionaryByAddingDictionary(mine, nested)) : theirs, key);
+    merged.setObject(!mine.isNil() && !nested.isNil()
+                         ? Value(dictionaryByAddingDictionary(mine, nested))
+                         : theirs,
+                     key);
   }
   return merged;
 }
@@ -48,16 +51,19 @@ String urlEncodedParameters(const Dictionary& dictionary) {
   String text = u"";
   for (const auto& [key, value] : dictionary) {
     if (!value.isString()) {
-      raiseInvalidArgumentFormat(u"-[%@ stringByAddingPercentEncodingWithAllowedCharacters:]: unrecognized "
-                                 u"selector sent to instance %p",
-                                 value.className(), value.storage().get());
+      raiseInvalidArgumentFormat(
+          u"-[%@ stringByAddingPercentEncodingWithAllowedCharacters:]: unrecognized "
+          u"selector sent to instance %p",
+          value.className(), value.storage().get());
     }
     // The key's escaping works in ASCII: a key beyond ASCII has no escaped form (nil).
     const String keyText = key.description();
-    const bool ascii = std::all_of(keyText.units().begin(), keyText.units().end(), [](char16_t c) { return c < 0x80; });
+    const bool ascii = std::all_of(keyText.units().begin(), keyText.units().end(),
+                                   [](char16_t c) { return c < 0x80; });
     if (!text.isEmpty()) text.appendString(u"&");
-    appendFormat(text, u"%@=%@", ascii ? keyEscapes.apply(keyText) : String(),
-                 stringByAddingPercentEncodingWithAllowedCharacters(value.asString(), alphanumerics));
+    appendFormat(
+        text, u"%@=%@", ascii ? keyEscapes.apply(keyText) : String(),
+        stringByAddingPercentEncodingWithAllowedCharacters(value.asString(), alphanumerics));
   }
   return text;
 }
@@ -95,7 +101,8 @@ Dictionary mutableDeepCopy(const Dictionary& dictionary) {
   return dictionary.isNil() ? Dictionary() : mutableDeepCopy(Value(dictionary)).asDictionary();
 }
 
-Dictionary mapValuesWithBlock(const Dictionary& dictionary, const std::function<Value(const Value&)>& block) {
+Dictionary mapValuesWithBlock(const Dictionary& dictionary,
+                              const std::function<Value(const Value&)>& block) {
   Dictionary mapped = Dictionary::dictionaryWithCapacity(dictionary.count());
   for (const auto& [key, value] : dictionary) {
     const Value result = block(value);
@@ -104,7 +111,8 @@ Dictionary mapValuesWithBlock(const Dictionary& dictionary, const std::function<
   return mapped;
 }
 
-Dictionary dictionaryWithKeys(const Array& keys, const std::function<Value(UInteger, const Value&)>& valueFunction) {
+Dictionary dictionaryWithKeys(const Array& keys,
+                              const std::function<Value(UInteger, const Value&)>& valueFunction) {
   Dictionary result = Dictionary::dictionaryWithCapacity(keys.count());
   for (UInteger i = 0; i < keys.count(); ++i) {
     const Value value = valueFunction(i, keys[i]);
@@ -113,7 +121,8 @@ Dictionary dictionaryWithKeys(const Array& keys, const std::function<Value(UInte
   return result;
 }
 
-void setObjectForKeyIgnoringNil(Dictionary& dictionary, const Value& object, const Value& key, bool ignoringNil) {
+void setObjectForKeyIgnoringNil(Dictionary& dictionary, const Value& object, const Value& key,
+                                bool ignoringNil) {
   if (object.isNil() && ignoringNil) return;
   dictionary.setValue(object, key);
 }
@@ -138,14 +147,24 @@ Array objectsForKeys(const MapTable& table, const Array& keys, const Value& notF
   return objects;
 }
 
-void setNSSize(Dictionary& dictionary, Size size, const Value& key) { dictionary.setObject(NSStringFromSize(size), key); }
-void setCGSize(Dictionary& dictionary, Size size, const Value& key) { setNSSize(dictionary, size, key); }
+void setNSSize(Dictionary& dictionary, Size size, const Value& key) {
+  dictionary.setObject(NSStringFromSize(size), key);
+}
+void setCGSize(Dictionary& dictionary, Size size, const Value& key) {
+  setNSSize(dictionary, size, key);
+}
 void setNSPoint(Dictionary& dictionary, Point point, const Value& key) {
   dictionary.setObject(NSStringFromPoint(point), key);
 }
-void setBOOL(Dictionary& dictionary, bool value, const Value& key) { dictionary.setObject(value, key); }
-void setInteger(Dictionary& dictionary, Integer value, const Value& key) { dictionary.setObject(value, key); }
-void setLong(Dictionary& dictionary, long value, const Value& key) { dictionary.setObject(value, key); }
+void setBOOL(Dictionary& dictionary, bool value, const Value& key) {
+  dictionary.setObject(value, key);
+}
+void setInteger(Dictionary& dictionary, Integer value, const Value& key) {
+  dictionary.setObject(value, key);
+}
+void setLong(Dictionary& dictionary, long value, const Value& key) {
+  dictionary.setObject(value, key);
+}
 
 void setIndexSet(Dictionary& dictionary, const std::optional<IndexSet>& indexes, const Value& key) {
   Array numbers = Array::array();
@@ -155,8 +174,8 @@ void setIndexSet(Dictionary& dictionary, const std::optional<IndexSet>& indexes,
   dictionary.setObject(numbers, key);
 }
 
-void setObjectFromDictionary(Dictionary& dictionary, const Dictionary& source, const Value& sourceKey,
-                             const Value& targetKey) {
+void setObjectFromDictionary(Dictionary& dictionary, const Dictionary& source,
+                             const Value& sourceKey, const Value& targetKey) {
   const Value value = source.objectForKey(sourceKey);
   if (!value.isNil()) dictionary.setObject(value, targetKey);
 }
@@ -165,7 +184,9 @@ Size NSSizeForKey(const Dictionary& dictionary, const Value& key) {
   const Value value = dictionary.objectForKey(key);
   return value.isNil() ? Size{} : NSSizeFromString(value.description());
 }
-Size CGSizeForKey(const Dictionary& dictionary, const Value& key) { return NSSizeForKey(dictionary, key); }
+Size CGSizeForKey(const Dictionary& dictionary, const Value& key) {
+  return NSSizeForKey(dictionary, key);
+}
 Point NSPointForKey(const Dictionary& dictionary, const Value& key) {
   const Value value = dictionary.objectForKey(key);
   return value.isNil() ? Point{} : NSPointFromString(value.description());
@@ -184,7 +205,9 @@ String stringForKey(const Dictionary& dictionary, const Value& key) {
   return value.isString() ? value.asString() : value.description();
 }
 
-bool boolForKey(const Dictionary& dictionary, const Value& key) { return numberForKey(dictionary, key).boolValue(); }
+bool boolForKey(const Dictionary& dictionary, const Value& key) {
+  return numberForKey(dictionary, key).boolValue();
+}
 
 Integer integerForKey(const Dictionary& dictionary, const Value& key) {
   const Value number = numberForKey(dictionary, key);
@@ -202,7 +225,8 @@ std::optional<IndexSet> indexSetForKey(const Dictionary& dictionary, const Value
   IndexSet indexes;
   for (const Value& number : numbers) {
     if (!number.isNumber()) continue;
-    const auto narrowed = static_cast<std::int32_t>(static_cast<std::uint32_t>(number.unsignedIntegerValue()));
+    const auto narrowed =
+        static_cast<std::int32_t>(static_cast<std::uint32_t>(number.unsignedIntegerValue()));
     indexes.addIndex(static_cast<UInteger>(static_cast<Integer>(narrowed)));
   }
   return indexes;

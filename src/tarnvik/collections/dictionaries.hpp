@@ -3,8 +3,8 @@
 // properties; and sizes, points, booleans, integers and index sets stored in a
 // property-list-safe form and read back tolerantly.
 //
-//   dictionaryByAddingDictionary(Dictionary{{u"a", Dictionary{{u"x", 1}}}}, Dictionary{{u"a", Dictionary{{u"y", 2}}}});
-//   setNSSize(layout, {1920, 1080}, u"size");   // stores "{1920, 1080}"
+//   dictionaryByAddingDictionary(Dictionary{{u"a", Dictionary{{u"x", 1}}}}, Dictionary{{u"a",
+//   Dictionary{{u"y", 2}}}}); setNSSize(layout, {1920, 1080}, u"size");   // stores "{1920, 1080}"
 #pragma once
 
 #include <functional>
@@ -41,13 +41,16 @@ Dictionary dictionaryWithPropertiesOfObject(const Value& object);
 Dictionary reversedDictionary(const Dictionary& dictionary);
 Dictionary mutableDeepCopy(const Dictionary& dictionary);
 // The same keys with the block's results; nil results are left out.
-Dictionary mapValuesWithBlock(const Dictionary& dictionary, const std::function<Value(const Value&)>& block);
+Dictionary mapValuesWithBlock(const Dictionary& dictionary,
+                              const std::function<Value(const Value&)>& block);
 // Each key with the block's result for its position and itself; nil results left out.
-Dictionary dictionaryWithKeys(const Array& keys, const std::function<Value(UInteger index, const Value& key)>& valueFunction);
+Dictionary dictionaryWithKeys(
+    const Array& keys, const std::function<Value(UInteger index, const Value& key)>& valueFunction);
 
 // setObject:forKey:ignoringNil: a nil object with ignoringNil leaves the dictionary alone;
 // otherwise keyed assignment (a nil object removes the key).
-void setObjectForKeyIgnoringNil(Dictionary& dictionary, const Value& object, const Value& key, bool ignoringNil);
+void setObjectForKeyIgnoringNil(Dictionary& dictionary, const Value& object, const Value& key,
+                                bool ignoringNil);
 // setObject:forKey:defaultForNil:
 void setObjectForKeyDefaultForNil(Dictionary& dictionary, const Value& object, const Value& key,
                                   const Value& defaultValue);
@@ -68,8 +71,8 @@ void setLong(Dictionary& dictionary, long value, const Value& key);
 // An array of the indexes as unsigned numbers; nullopt stores an empty array.
 void setIndexSet(Dictionary& dictionary, const std::optional<IndexSet>& indexes, const Value& key);
 // The source's value for the source key under the target key, when there is one.
-void setObjectFromDictionary(Dictionary& dictionary, const Dictionary& source, const Value& sourceKey,
-                             const Value& targetKey);
+void setObjectFromDictionary(Dictionary& dictionary, const Dictionary& source,
+                             const Value& sourceKey, const Value& targetKey);
 
 // The zero size or point when absent.
 Size NSSizeForKey(const Dictionary& dictionary, const Value& key);

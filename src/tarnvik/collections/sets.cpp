@@ -49,7 +49,9 @@ Set setByRemovingObjectsFromSet(const Set& set, const Set& other) {
   return result;
 }
 
-Set mutableDeepCopy(const Set& set) { return set.isNil() ? Set() : mutableDeepCopy(Value(set)).asSet(); }
+Set mutableDeepCopy(const Set& set) {
+  return set.isNil() ? Set() : mutableDeepCopy(Value(set)).asSet();
+}
 
 Array objectsWithKindOfClass(const OrderedSet& set, const String& className) {
   return objectsWithKindOfClass(set.array(), className);
@@ -99,10 +101,12 @@ Set setWithDisjunctiveUnionOf(std::span<const Set> sets) {
   return combineAll(sets, Set::set(), [](Set& r, const Set& s) { disjunctiveUnionSet(r, s); });
 }
 OrderedSet orderedSetWithUnionOf(std::span<const OrderedSet> sets) {
-  return combineAll(sets, OrderedSet::orderedSet(), [](OrderedSet& r, const OrderedSet& s) { r.unionOrderedSet(s); });
+  return combineAll(sets, OrderedSet::orderedSet(),
+                    [](OrderedSet& r, const OrderedSet& s) { r.unionOrderedSet(s); });
 }
 OrderedSet orderedSetWithIntersectionOf(std::span<const OrderedSet> sets) {
-  return combineAll(sets, OrderedSet::orderedSet(), [](OrderedSet& r, const OrderedSet& s) { r.intersectOrderedSet(s); });
+  return combineAll(sets, OrderedSet::orderedSet(),
+                    [](OrderedSet& r, const OrderedSet& s) { r.intersectOrderedSet(s); });
 }
 OrderedSet orderedSetWithDisjunctiveUnionOf(std::span<const OrderedSet> sets) {
   return combineAll(sets, OrderedSet::orderedSet(),

@@ -42,7 +42,9 @@ Set setWithDisjunctiveUnionOf(std::span<const Set> sets);
 OrderedSet orderedSetWithUnionOf(std::span<const OrderedSet> sets);
 OrderedSet orderedSetWithIntersectionOf(std::span<const OrderedSet> sets);
 OrderedSet orderedSetWithDisjunctiveUnionOf(std::span<const OrderedSet> sets);
-inline Set setWithUnionOf(std::initializer_list<Set> sets) { return setWithUnionOf(std::span(sets.begin(), sets.size())); }
+inline Set setWithUnionOf(std::initializer_list<Set> sets) {
+  return setWithUnionOf(std::span(sets.begin(), sets.size()));
+}
 inline Set setWithIntersectionOf(std::initializer_list<Set> sets) {
   return setWithIntersectionOf(std::span(sets.begin(), sets.size()));
 }

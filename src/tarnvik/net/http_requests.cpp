@@ -44,9 +44,13 @@ URLRequest POSTRequestWithURL(const URL& url, const Dictionary& parameters) {
   return HTTPRequestWithURL(url, u"POST", parameters);
 }
 
-Dictionary GETParameters(const URLRequest& request) { return URLQueryParameters(request.url().query()); }
+Dictionary GETParameters(const URLRequest& request) {
+  return URLQueryParameters(request.url().query());
+}
 
-Dictionary POSTParameters(const URLRequest& request) { return URLQueryParameters(bodyText(request)); }
+Dictionary POSTParameters(const URLRequest& request) {
+  return URLQueryParameters(bodyText(request));
+}
 
 Array HTTPBasicAuthComponents(const URLRequest& request) {
   const String authorization = request.valueForHTTPHeaderField(u"Authorization");
@@ -86,7 +90,9 @@ void setPOSTParameters(URLRequest& request, const Dictionary& parameters, UInteg
 }
 
 void addPOSTParameters(URLRequest& request, const Dictionary& parameters, UInteger options) {
-  setFormBody(request, stringByMergingURLQuery(bodyText(request), URLQueryWithParameters(parameters, options), options));
+  setFormBody(request,
+              stringByMergingURLQuery(bodyText(request),
+                                      URLQueryWithParameters(parameters, options), options));
 }
 
 void setHTTPBasicAuthUser(URLRequest& request, const String& user, const String& password) {

@@ -2,8 +2,8 @@
 // basic authentication. Header values are always added (appended to an existing value of
 // the same field), never replaced.
 //
-//   URLRequest r = POSTRequestWithURL(URL::URLWithString(u"https://h/api"), Dictionary{{u"a", u"1"}});
-//   setHTTPBasicAuthUser(r, u"u", u"p");   // Authorization: Basic dTpw
+//   URLRequest r = POSTRequestWithURL(URL::URLWithString(u"https://h/api"), Dictionary{{u"a",
+//   u"1"}}); setHTTPBasicAuthUser(r, u"u", u"p");   // Authorization: Basic dTpw
 #pragma once
 
 #include "tarnvik/platform/dictionary.hpp"

@@ -7,8 +7,9 @@ namespace tarnvik {
 
 namespace {
 
-constexpr const char16_t* kComponentNames[] = {u"scheme", u"host", u"port", u"user", u"password",
-                                               u"path", u"parameterString", u"query", u"fragment"};
+constexpr const char16_t* kComponentNames[] = {
+    u"scheme",          u"host",  u"port",    u"user", u"password", u"path",
+    u"parameterString", u"query", u"fragment"};
 
 }  // namespace
 
@@ -54,13 +55,17 @@ URL URLWithValue(const URL& url, const Value& value, const String& component) {
 URL URLWithHost(const URL& url, const String& host) { return URLWithValue(url, host, u"host"); }
 URL URLWithPort(const URL& url, const Value& port) { return URLWithValue(url, port, u"port"); }
 URL URLWithUser(const URL& url, const String& user) { return URLWithValue(url, user, u"user"); }
-URL URLWithPassword(const URL& url, const String& password) { return URLWithValue(url, password, u"password"); }
+URL URLWithPassword(const URL& url, const String& password) {
+  return URLWithValue(url, password, u"password");
+}
 URL URLWithPath(const URL& url, const String& path) { return URLWithValue(url, path, u"path"); }
 URL URLWithParameterString(const URL& url, const String& parameterString) {
   return URLWithValue(url, parameterString, u"parameterString");
 }
 URL URLWithQuery(const URL& url, const Value& query) { return URLWithValue(url, query, u"query"); }
-URL URLWithFragment(const URL& url, const String& fragment) { return URLWithValue(url, fragment, u"fragment"); }
+URL URLWithFragment(const URL& url, const String& fragment) {
+  return URLWithValue(url, fragment, u"fragment");
+}
 
 URL URLWithScheme(const URL& url, const String& scheme) {
   const String absolute = url.absoluteString();
@@ -75,7 +80,8 @@ URL initWithString(const String& base, const Dictionary& queryParameters) {
   for (const auto& [key, value] : queryParameters) {
     if (!first) text.appendString(u"&");
     first = false;
-    appendFormat(text, u"%@=%@", stringByAddingPercentEncodingWithAllowedCharacters(key.description(), allowed),
+    appendFormat(text, u"%@=%@",
+                 stringByAddingPercentEncodingWithAllowedCharacters(key.description(), allowed),
                  stringByAddingPercentEncodingWithAllowedCharacters(value.description(), allowed));
   }
   return URL::URLWithString(text);

@@ -19,12 +19,14 @@ UInteger modeOf(UInteger options, UInteger zeroMeans) {
 String pathPart(const String& url) {
   const String withoutFragment = stringByDeletingURLFragment(url);
   const Range query = rangeOfURLQuery(withoutFragment);
-  return query.location == NSNotFound ? withoutFragment : withoutFragment.substringToIndex(query.location);
+  return query.location == NSNotFound ? withoutFragment
+                                      : withoutFragment.substringToIndex(query.location);
 }
 
 // The path with the receiver's query and fragment put back.
 String withQueryAndFragmentOf(const String& path, const String& url) {
-  return stringByAppendingURLFragment(stringByAppendingURLQuery(path, URLQuery(url)), URLFragment(url));
+  return stringByAppendingURLFragment(stringByAppendingURLQuery(path, URLQuery(url)),
+                                      URLFragment(url));
 }
 
 // Query keys and values must be text; anything else is the caller's mistake.
@@ -90,8 +92,9 @@ String stringByAppendingURLPathExtension(const String& url, const String& extens
 }
 
 String stringByDeletingURLPathExtension(const String& url) {
-  return stringByAppendingURLPathComponent(stringByDeletingLastURLPathComponent(url),
-                                           lastURLPathComponent(url).stringByDeletingPathExtension());
+  return stringByAppendingURLPathComponent(
+      stringByDeletingLastURLPathComponent(url),
+      lastURLPathComponent(url).stringByDeletingPathExtension());
 }
 
 Range rangeOfURLQuery(const String& url) {
@@ -99,7 +102,8 @@ Range rangeOfURLQuery(const String& url) {
   const UInteger end = hash.location == NSNotFound ? url.length() : hash.location;
   const Range question = url.rangeOfString(u"?");
   // A "?" inside the fragment belongs to the fragment.
-  if (question.location != NSNotFound && question.location <= end) return {question.location, end - question.location};
+  if (question.location != NSNotFound && question.location <= end)
+    return {question.location, end - question.location};
   if (url.rangeOfString(u"=", 0, {0, end}).location != NSNotFound) return {0, end};
   return {NSNotFound, 0};
 }
@@ -209,7 +213,8 @@ Dictionary URLQueryParametersWithOptions(const String& url, UInteger options) {
     if (!entry.isArray) {
       parameters.setObject(entry.values[0], name);
     } else {
-      parameters.setObject(Array(std::vector<Value>(entry.values.begin(), entry.values.end())), name);
+      parameters.setObject(Array(std::vector<Value>(entry.values.begin(), entry.values.end())),
+                           name);
     }
   }
   return parameters;
@@ -226,7 +231,9 @@ String stringByMergingURLQuery(const String& url, const String& other, UInteger 
     const Value old = merged.objectForKey(name);
     const Array oldArray = old.asArray(), newArray = value.asArray();
     if (!oldArray.isNil()) {
-      merged.setObject(newArray.isNil() ? oldArray.arrayByAddingObject(value) : oldArray.arrayByAddingObjectsFromArray(newArray), name);
+      merged.setObject(newArray.isNil() ? oldArray.arrayByAddingObject(value)
+                                        : oldArray.arrayByAddingObjectsFromArray(newArray),
+                       name);
     } else if (!old.isNil() && !newArray.isNil()) {
       merged.setObject(Array{old}.arrayByAddingObjectsFromArray(newArray), name);
     } else if (!old.isNil()) {
@@ -259,7 +266,9 @@ URL URLValue(const String& text) {
   return text.isAbsolutePath() ? URL::fileURLWithPath(text) : URL::URLWithString(text);
 }
 
-URL URLValueRelativeToURL(const String& text, const URL& base) { return URL::URLWithString(text, base); }
+URL URLValueRelativeToURL(const String& text, const URL& base) {
+  return URL::URLWithString(text, base);
+}
 
 String base64EncodedString(const String& text) {
   if (text.isEmpty()) return String();

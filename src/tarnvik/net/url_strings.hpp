@@ -2,7 +2,8 @@
 // built from and parsed into dictionaries with array modes, query merging, fragments,
 // conversion to URL, and base64 of text. All work on the text, by plain character search.
 //
-//   URLQueryWithParameters(Dictionary{{u"a", Array{u"1", u"2"}}, {u"b", u"x y"}}, URLQueryArraySyntax);
+//   URLQueryWithParameters(Dictionary{{u"a", Array{u"1", u"2"}}, {u"b", u"x y"}},
+//   URLQueryArraySyntax);
 //       // "a[]=1&a[]=2&b=x%20y"
 //   stringByAppendingURLQuery(u"page?x=1#top", u"y=2");   // "page?x=1&y=2#top"
 #pragma once

@@ -111,7 +111,8 @@ Calendar::Calendar(const TimeZone& zone)
     : zone_(zone.isNil() ? TimeZone::timeZoneWithName(u"UTC") : zone),
       state_(std::make_unique<CalendarState>()) {
   UErrorCode status = U_ZERO_ERROR;
-  state_->calendar = std::make_unique<icu::GregorianCalendar>(icuZone(zone_.name()).release(), status);
+  state_->calendar =
+      std::make_unique<icu::GregorianCalendar>(icuZone(zone_.name()).release(), status);
   state_->calendar->setLenient(true);
 }
 
@@ -157,7 +158,8 @@ Date Calendar::startOfDayForDate(Date date) const {
 Date Calendar::dateByAddingDays(Date date, Integer days) const {
   DateComponents shifted = components(date);
   shifted.day += days;
-  const double fraction = date.timeIntervalSinceReferenceDate - std::floor(date.timeIntervalSinceReferenceDate);
+  const double fraction =
+      date.timeIntervalSinceReferenceDate - std::floor(date.timeIntervalSinceReferenceDate);
   return dateFromComponents(shifted).dateByAddingTimeInterval(fraction);
 }
 

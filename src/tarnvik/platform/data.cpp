@@ -31,8 +31,8 @@ std::shared_ptr<DataStorage> bufferStorage(ByteBuffer bytes) {
 void requireRange(Range range, UInteger length, const char* operation) {
   if (range.location > length || range.length > length - range.location) {
     throw Exception(NSRangeException,
-                    stringWithFormat(u"*** %s: range {%lu, %lu} exceeds data length %lu",
-                                     operation, range.location, range.length, length));
+                    stringWithFormat(u"*** %s: range {%lu, %lu} exceeds data length %lu", operation,
+                                     range.location, range.length, length));
   }
 }
 

@@ -27,7 +27,8 @@ Date Date::now() {
 
 void Date::setClock(std::function<Date()> clock) {
   std::lock_guard guard(clockLock);
-  installedClock = clock ? std::make_shared<const std::function<Date()>>(std::move(clock)) : nullptr;
+  installedClock =
+      clock ? std::make_shared<const std::function<Date()>>(std::move(clock)) : nullptr;
 }
 
 }  // namespace tarnvik

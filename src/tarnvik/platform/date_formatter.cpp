@@ -38,17 +38,27 @@ String fromICU(const icu::UnicodeString& text) {
 icu::DateFormat::EStyle icuStyle(UInteger style, bool relative) {
   icu::DateFormat::EStyle s = icu::DateFormat::kNone;
   switch (style) {
-    case NSDateFormatterNoStyle: return icu::DateFormat::kNone;
-    case NSDateFormatterShortStyle: s = icu::DateFormat::kShort; break;
-    case NSDateFormatterMediumStyle: s = icu::DateFormat::kMedium; break;
-    case NSDateFormatterLongStyle: s = icu::DateFormat::kLong; break;
-    default: s = icu::DateFormat::kFull; break;
+    case NSDateFormatterNoStyle:
+      return icu::DateFormat::kNone;
+    case NSDateFormatterShortStyle:
+      s = icu::DateFormat::kShort;
+      break;
+    case NSDateFormatterMediumStyle:
+      s = icu::DateFormat::kMedium;
+      break;
+    case NSDateFormatterLongStyle:
+      s = icu::DateFormat::kLong;
+      break;
+    default:
+      s = icu::DateFormat::kFull;
+      break;
   }
   return relative ? static_cast<icu::DateFormat::EStyle>(s | icu::DateFormat::kRelative) : s;
 }
 
 icu::Locale localeOf(const DateFormatterState& state) {
-  return state.locale.isNil() ? icu::Locale::getDefault() : icu::Locale(state.locale.utf8().c_str());
+  return state.locale.isNil() ? icu::Locale::getDefault()
+                              : icu::Locale(state.locale.utf8().c_str());
 }
 
 }  // namespace
@@ -60,16 +70,17 @@ void DateFormatter::rebuild() {
   const icu::Locale locale = localeOf(*state_);
   std::unique_ptr<icu::DateFormat> format;
   if (state_->usesStyles) {
-    format.reset(icu::DateFormat::createDateTimeInstance(icuStyle(state_->dateStyle, state_->relative),
-                                                         icuStyle(state_->timeStyle, false), locale));
+    format.reset(icu::DateFormat::createDateTimeInstance(
+        icuStyle(state_->dateStyle, state_->relative), icuStyle(state_->timeStyle, false), locale));
   } else {
     UErrorCode status = U_ZERO_ERROR;
     format = std::make_unique<icu::SimpleDateFormat>(toICU(state_->pattern), locale, status);
     if (U_FAILURE(status)) format.reset();
   }
   if (format) {
-    format->adoptTimeZone(state_->zone.isNil() ? icu::TimeZone::createDefault()
-                                               : icu::TimeZone::createTimeZone(toICU(state_->zone.name())));
+    format->adoptTimeZone(state_->zone.isNil()
+                              ? icu::TimeZone::createDefault()
+                              : icu::TimeZone::createTimeZone(toICU(state_->zone.name())));
     format->setLenient(state_->lenient);
     if (state_->relative) {
       UErrorCode status = U_ZERO_ERROR;

@@ -14,7 +14,8 @@ struct DictionaryStorage {
     return index.find(key, [this](std::size_t p) -> const Value& { return entries[p].first; });
   }
   void reindex() {
-    index.rebuild(entries.size(), [this](std::size_t p) -> const Value& { return entries[p].first; });
+    index.rebuild(entries.size(),
+                  [this](std::size_t p) -> const Value& { return entries[p].first; });
   }
 };
 
@@ -135,7 +136,8 @@ void Dictionary::setObject(const Value& object, const Value& key) {
     return;
   }
   s.entries.emplace_back(key, object);
-  s.index.insert(key, s.entries.size() - 1, [&s](std::size_t p) -> const Value& { return s.entries[p].first; });
+  s.index.insert(key, s.entries.size() - 1,
+                 [&s](std::size_t p) -> const Value& { return s.entries[p].first; });
 }
 
 void Dictionary::setValue(const Value& object, const Value& key) {

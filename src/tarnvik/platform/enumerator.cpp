@@ -15,10 +15,13 @@ std::shared_ptr<Enumerator> objectEnumerator(const Array& array) {
 }
 
 std::shared_ptr<Enumerator> reverseObjectEnumerator(const Array& array) {
-  return std::make_shared<ValuesEnumerator>(std::vector<Value>(array.values().rbegin(), array.values().rend()));
+  return std::make_shared<ValuesEnumerator>(
+      std::vector<Value>(array.values().rbegin(), array.values().rend()));
 }
 
-std::shared_ptr<Enumerator> objectEnumerator(const Set& set) { return std::make_shared<ValuesEnumerator>(set.values()); }
+std::shared_ptr<Enumerator> objectEnumerator(const Set& set) {
+  return std::make_shared<ValuesEnumerator>(set.values());
+}
 
 std::shared_ptr<Enumerator> objectEnumerator(const OrderedSet& set) {
   return std::make_shared<ValuesEnumerator>(set.values());

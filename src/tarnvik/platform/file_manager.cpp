@@ -23,9 +23,10 @@ const std::set<std::string, std::less<>> kVolumeFileSystems = {
 
 // Pseudo and image file systems that never count, even when mounted from a /dev node.
 const std::set<std::string, std::less<>> kPseudoFileSystems = {
-    "proc", "sysfs", "cgroup", "cgroup2", "tmpfs", "devtmpfs", "devpts", "mqueue", "debugfs",
-    "tracefs", "securityfs", "pstore", "bpf", "configfs", "fusectl", "hugetlbfs", "autofs",
-    "overlay", "squashfs", "nsfs", "binfmt_misc", "efivarfs", "rpc_pipefs", "ramfs", "selinuxfs"};
+    "proc",     "sysfs",      "cgroup",  "cgroup2",    "tmpfs",    "devtmpfs", "devpts",
+    "mqueue",   "debugfs",    "tracefs", "securityfs", "pstore",   "bpf",      "configfs",
+    "fusectl",  "hugetlbfs",  "autofs",  "overlay",    "squashfs", "nsfs",     "binfmt_misc",
+    "efivarfs", "rpc_pipefs", "ramfs",   "selinuxfs"};
 
 // Undoes the octal escapes of mount table fields ("\040" is a blank).
 std::string unescapeMountField(std::string_view field) {
@@ -33,7 +34,8 @@ std::string unescapeMountField(std::string_view field) {
   for (std::size_t i = 0; i < field.size(); ++i) {
     if (field[i] == '\\' && i + 3 < field.size() &&
         field.substr(i + 1, 3).find_first_not_of("01234567") == std::string_view::npos) {
-      out.push_back(static_cast<char>((field[i + 1] - '0') * 64 + (field[i + 2] - '0') * 8 + (field[i + 3] - '0')));
+      out.push_back(static_cast<char>((field[i + 1] - '0') * 64 + (field[i + 2] - '0') * 8 +
+                                      (field[i + 3] - '0')));
       i += 3;
     } else {
       out.push_back(field[i]);

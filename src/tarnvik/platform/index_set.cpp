@@ -28,8 +28,12 @@ bool IndexSet::containsIndex(UInteger index) const {
   return after != ranges_.begin() && index < std::prev(after)->end();
 }
 
-UInteger IndexSet::firstIndex() const { return ranges_.empty() ? NSNotFound : ranges_.front().location; }
-UInteger IndexSet::lastIndex() const { return ranges_.empty() ? NSNotFound : ranges_.back().end() - 1; }
+UInteger IndexSet::firstIndex() const {
+  return ranges_.empty() ? NSNotFound : ranges_.front().location;
+}
+UInteger IndexSet::lastIndex() const {
+  return ranges_.empty() ? NSNotFound : ranges_.back().end() - 1;
+}
 
 std::vector<UInteger> IndexSet::indexes() const {
   std::vector<UInteger> all;

@@ -19,33 +19,46 @@ namespace {
 // The readings every value of a kind offers without registration.
 std::optional<FoundMethod> builtinMethod(const Value& target, const String& name) {
   using K = Value::Kind;
-  auto reading = [&](ReturnKind kind, std::function<Value()> f) { return FoundMethod{kind, std::move(f)}; };
-  if (name == String(u"description")) return reading(ReturnKind::Object, [target] { return Value(target.description()); });
+  auto reading = [&](ReturnKind kind, std::function<Value()> f) {
+    return FoundMethod{kind, std::move(f)};
+  };
+  if (name == String(u"description"))
+    return reading(ReturnKind::Object, [target] { return Value(target.description()); });
   if (name == String(u"self")) return reading(ReturnKind::Object, [target] { return target; });
   if (target.isString() || target.isNumber()) {
-    if (name == String(u"boolValue")) return reading(ReturnKind::Bool, [target] { return Value(target.boolValue()); });
-    if (name == String(u"integerValue")) return reading(ReturnKind::Object, [target] { return Value(target.integerValue()); });
-    if (name == String(u"doubleValue")) return reading(ReturnKind::Object, [target] { return Value(target.doubleValue()); });
+    if (name == String(u"boolValue"))
+      return reading(ReturnKind::Bool, [target] { return Value(target.boolValue()); });
+    if (name == String(u"integerValue"))
+      return reading(ReturnKind::Object, [target] { return Value(target.integerValue()); });
+    if (name == String(u"doubleValue"))
+      return reading(ReturnKind::Object, [target] { return Value(target.doubleValue()); });
   }
   if (target.isNumber() && name == String(u"stringValue")) {
     return reading(ReturnKind::Object, [target] { return Value(target.description()); });
   }
   if (target.isString()) {
-    if (name == String(u"length")) return reading(ReturnKind::Object, [target] { return Value(target.asString().length()); });
+    if (name == String(u"length"))
+      return reading(ReturnKind::Object, [target] { return Value(target.asString().length()); });
     if (name == String(u"uppercaseString")) {
-      return reading(ReturnKind::Object, [target] { return Value(target.asString().uppercaseString()); });
+      return reading(ReturnKind::Object,
+                     [target] { return Value(target.asString().uppercaseString()); });
     }
     if (name == String(u"lowercaseString")) {
-      return reading(ReturnKind::Object, [target] { return Value(target.asString().lowercaseString()); });
+      return reading(ReturnKind::Object,
+                     [target] { return Value(target.asString().lowercaseString()); });
     }
   }
   if (target.isCollection() && name == String(u"count")) {
     return reading(ReturnKind::Object, [target] {
       switch (target.kind()) {
-        case K::Array: return Value(target.asArray().count());
-        case K::Dictionary: return Value(target.asDictionary().count());
-        case K::Set: return Value(target.asSet().count());
-        default: return Value(target.asOrderedSet().count());
+        case K::Array:
+          return Value(target.asArray().count());
+        case K::Dictionary:
+          return Value(target.asDictionary().count());
+        case K::Set:
+          return Value(target.asSet().count());
+        default:
+          return Value(target.asOrderedSet().count());
       }
     });
   }
@@ -60,29 +73,34 @@ std::optional<FoundMethod> methodNamed(const Value& target, const String& name) 
       return FoundMethod{method->returns, [object, method] { return method->invoke(*object); }};
     }
     if (const PropertyInfo* property = object->classInfo().property(name)) {
-      return FoundMethod{ReturnKind::Object, [object, property] { return property->getter(*object); }};
+      return FoundMethod{ReturnKind::Object,
+                         [object, property] { return property->getter(*object); }};
     }
   }
   return builtinMethod(target, name);
 }
 
-bool respondsToSelector(const Value& target, const String& name) { return methodNamed(target, name).has_value(); }
+bool respondsToSelector(const Value& target, const String& name) {
+  return methodNamed(target, name).has_value();
+}
 
 Value performSelector(const Value& target, const String& name) {
   if (target.isNil()) return Value();
   const auto method = methodNamed(target, name);
   if (!method) {
     throw Exception(NSInvalidArgumentException,
-                    stringWithFormat(u"-[%@ %@]: unrecognized selector sent to instance %p", target.className(),
-                                     name, target.storage().get()));
+                    stringWithFormat(u"-[%@ %@]: unrecognized selector sent to instance %p",
+                                     target.className(), name, target.storage().get()));
   }
   return method->invoke();
 }
 
 Value valueForKey(const Value& target, const String& key) {
   switch (target.kind()) {
-    case Value::Kind::Nil: return Value();
-    case Value::Kind::Dictionary: return target.asDictionary().objectForKey(key);
+    case Value::Kind::Nil:
+      return Value();
+    case Value::Kind::Dictionary:
+      return target.asDictionary().objectForKey(key);
     case Value::Kind::Array: {
       const Array elements = target.asArray();
       std::vector<Value> values;
@@ -101,10 +119,12 @@ Value valueForKey(const Value& target, const String& key) {
       }
       return values;
     }
-    default: break;
+    default:
+      break;
   }
   if (const auto object = target.asObject()) {
-    if (const PropertyInfo* property = object->classInfo().property(key)) return property->getter(*object);
+    if (const PropertyInfo* property = object->classInfo().property(key))
+      return property->getter(*object);
   }
   if (const auto method = methodNamed(target, key)) return method->invoke();
   raiseUndefinedKey(target, key);
@@ -123,21 +143,25 @@ void setValueForKey(const Value& object, const Value& value, const String& key) 
   const auto target = object.asObject();
   if (!target) {
     if (object.isNil()) return;
-    throw Exception(NSUndefinedKeyException,
-                    stringWithFormat(u"[<%@ %p> setValue:forUndefinedKey:]: this class is not key value "
-                                     u"coding-compliant for the key %@.",
-                                     object.className(), object.storage().get(), key));
+    throw Exception(
+        NSUndefinedKeyException,
+        stringWithFormat(u"[<%@ %p> setValue:forUndefinedKey:]: this class is not key value "
+                         u"coding-compliant for the key %@.",
+                         object.className(), object.storage().get(), key));
   }
   const PropertyInfo* property = target->classInfo().property(key);
   if (!property || !property->setter) {
-    throw Exception(NSUndefinedKeyException,
-                    stringWithFormat(u"[<%@ %p> setValue:forUndefinedKey:]: this class is not key value "
-                                     u"coding-compliant for the key %@.",
-                                     object.className(), object.storage().get(), key));
+    throw Exception(
+        NSUndefinedKeyException,
+        stringWithFormat(u"[<%@ %p> setValue:forUndefinedKey:]: this class is not key value "
+                         u"coding-compliant for the key %@.",
+                         object.className(), object.storage().get(), key));
   }
   property->setter(*target, value);
 }
 
-void setValueForKey(Dictionary& dictionary, const Value& value, const String& key) { dictionary.setValue(value, key); }
+void setValueForKey(Dictionary& dictionary, const Value& value, const String& key) {
+  dictionary.setValue(value, key);
+}
 
 }  // namespace tarnvik

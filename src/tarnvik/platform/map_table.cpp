@@ -37,7 +37,9 @@ struct MapTableStorage {
   bool weakKeys = false, weakValues = false, identity = false;
   std::vector<std::pair<Slot, Slot>> entries;
 
-  bool same(const Value& a, const Value& b) const { return identity ? a.isIdenticalTo(b) : a.isEqual(b); }
+  bool same(const Value& a, const Value& b) const {
+    return identity ? a.isIdenticalTo(b) : a.isEqual(b);
+  }
 
   void purge() {
     std::erase_if(entries, [](const auto& e) { return e.first.gone() || e.second.gone(); });
@@ -45,11 +47,13 @@ struct MapTableStorage {
 
   std::vector<std::pair<Slot, Slot>>::iterator find(const Value& key) {
     purge();
-    return std::find_if(entries.begin(), entries.end(), [&](const auto& e) { return same(e.first.get(), key); });
+    return std::find_if(entries.begin(), entries.end(),
+                        [&](const auto& e) { return same(e.first.get(), key); });
   }
 };
 
-MapTable::MapTable(UInteger keyOptions, UInteger valueOptions) : storage_(std::make_shared<MapTableStorage>()) {
+MapTable::MapTable(UInteger keyOptions, UInteger valueOptions)
+    : storage_(std::make_shared<MapTableStorage>()) {
   storage_->weakKeys = (keyOptions & 0xFF) == NSPointerFunctionsWeakMemory;
   storage_->weakValues = (valueOptions & 0xFF) == NSPointerFunctionsWeakMemory;
   storage_->identity = (keyOptions & NSPointerFunctionsObjectPointerPersonality) != 0;
@@ -68,13 +72,15 @@ Value MapTable::objectForKey(const Value& key) const {
 
 void MapTable::setObject(const Value& object, const Value& key) {
   if (key.isNil() || object.isNil()) {
-    throw Exception(NSInvalidArgumentException, u"*** -[NSMapTable setObject:forKey:]: key and object must not be nil");
+    throw Exception(NSInvalidArgumentException,
+                    u"*** -[NSMapTable setObject:forKey:]: key and object must not be nil");
   }
   const auto found = storage_->find(key);
   if (found != storage_->entries.end()) {
     found->second = Slot(object, storage_->weakValues);
   } else {
-    storage_->entries.emplace_back(Slot(key, storage_->weakKeys), Slot(object, storage_->weakValues));
+    storage_->entries.emplace_back(Slot(key, storage_->weakKeys),
+                                   Slot(object, storage_->weakValues));
   }
 }
 

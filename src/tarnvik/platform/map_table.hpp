@@ -29,7 +29,9 @@ class MapTable {
  public:
   MapTable(UInteger keyOptions, UInteger valueOptions);
   static MapTable strongToStrongObjectsMapTable() { return MapTable(0, 0); }
-  static MapTable weakToStrongObjectsMapTable() { return MapTable(NSPointerFunctionsWeakMemory, 0); }
+  static MapTable weakToStrongObjectsMapTable() {
+    return MapTable(NSPointerFunctionsWeakMemory, 0);
+  }
 
   UInteger count() const;
   // nil when absent.

@@ -8,7 +8,8 @@
 //     bool selected = false;
 //     TARNVIK_CLASS(Clip)
 //   };
-//   TARNVIK_DEFINE_CLASS(Clip, Object, c.property(u"name", &Clip::name).property(u"selected", &Clip::selected))
+//   TARNVIK_DEFINE_CLASS(Clip, Object, c.property(u"name", &Clip::name).property(u"selected",
+//   &Clip::selected))
 #pragma once
 
 #include <concepts>
@@ -45,7 +46,8 @@ struct MethodInfo {
 // A registered class. Lookups search the superclasses too.
 class ClassInfo {
  public:
-  ClassInfo(String name, const ClassInfo* superclass) : name_(std::move(name)), superclass_(superclass) {}
+  ClassInfo(String name, const ClassInfo* superclass)
+      : name_(std::move(name)), superclass_(superclass) {}
   const String& name() const { return name_; }
   const ClassInfo* superclass() const { return superclass_; }
   const PropertyInfo* property(const String& name) const;
@@ -119,24 +121,30 @@ class ClassBuilder {
   // A data member read and written through key-value coding.
   template <class T>
   ClassBuilder& property(const String& name, T C::*member) {
-    info_.addProperty({name, [member](const Object& o) { return Value(static_cast<const C&>(o).*member); },
-                       [member](Object& o, const Value& v) { static_cast<C&>(o).*member = valueAs<T>(v); }});
+    info_.addProperty(
+        {name, [member](const Object& o) { return Value(static_cast<const C&>(o).*member); },
+         [member](Object& o, const Value& v) { static_cast<C&>(o).*member = valueAs<T>(v); }});
     return *this;
   }
   // A computed property with a getter and, optionally, a setter.
   template <class T>
-  ClassBuilder& property(const String& name, T (C::*getter)() const, void (C::*setter)(T) = nullptr) {
+  ClassBuilder& property(const String& name, T (C::*getter)() const,
+                         void (C::*setter)(T) = nullptr) {
     std::function<void(Object&, const Value&)> set;
-    if (setter) set = [setter](Object& o, const Value& v) { (static_cast<C&>(o).*setter)(valueAs<T>(v)); };
-    info_.addProperty({name, [getter](const Object& o) { return Value((static_cast<const C&>(o).*getter)()); },
-                       std::move(set)});
+    if (setter)
+      set = [setter](Object& o, const Value& v) { (static_cast<C&>(o).*setter)(valueAs<T>(v)); };
+    info_.addProperty(
+        {name, [getter](const Object& o) { return Value((static_cast<const C&>(o).*getter)()); },
+         std::move(set)});
     return *this;
   }
   // A no-argument method callable by its name.
   template <class R>
   ClassBuilder& method(const String& name, R (C::*function)() const) {
     const ReturnKind kind = std::is_same_v<R, bool> ? ReturnKind::Bool : ReturnKind::Object;
-    info_.addMethod({name, kind, [function](Object& o) { return Value((static_cast<const C&>(o).*function)()); }});
+    info_.addMethod({name, kind, [function](Object& o) {
+                       return Value((static_cast<const C&>(o).*function)());
+                     }});
     return *this;
   }
 
@@ -147,9 +155,9 @@ class ClassBuilder {
 }  // namespace tarnvik
 
 // In the class body: declares the class's registration.
-#define TARNVIK_CLASS(ClassName)                                          \
- public:                                                                  \
-  static const ::tarnvik::ClassInfo& staticClassInfo();                   \
+#define TARNVIK_CLASS(ClassName)                        \
+ public:                                                \
+  static const ::tarnvik::ClassInfo& staticClassInfo(); \
   const ::tarnvik::ClassInfo& classInfo() const override { return staticClassInfo(); }
 
 // In one source file: defines the registration, `c` being the ClassBuilder, and registers the
@@ -158,11 +166,12 @@ class ClassBuilder {
   const ::tarnvik::ClassInfo& ClassName::staticClassInfo() {                                   \
     static const ::tarnvik::ClassInfo* info = [] {                                             \
       auto* created = new ::tarnvik::ClassInfo(u## #ClassName, &SuperName::staticClassInfo()); \
-      [[maybe_unused]] ::tarnvik::ClassBuilder<ClassName> c(*created);                        \
+      [[maybe_unused]] ::tarnvik::ClassBuilder<ClassName> c(*created);                         \
       __VA_ARGS__;                                                                             \
       ::tarnvik::ClassRegistry::add(*created);                                                 \
       return created;                                                                          \
     }();                                                                                       \
     return *info;                                                                              \
   }                                                                                            \
-  [[maybe_unused]] static const bool tarnvikRegistered##ClassName = (ClassName::staticClassInfo(), true);
+  [[maybe_unused]] static const bool tarnvikRegistered##ClassName =                            \
+      (ClassName::staticClassInfo(), true);

@@ -60,10 +60,12 @@ RegularExpression RegularExpression::regularExpressionWithPattern(const String& 
   auto compiled = std::make_shared<CompiledPattern>();
   compiled->source = pattern.isNil() ? String(u"") : pattern;
   compiled->options = options;
-  compiled->pattern.reset(icu::RegexPattern::compile(alias(compiled->source), icuFlags(options), parseError, status));
+  compiled->pattern.reset(
+      icu::RegexPattern::compile(alias(compiled->source), icuFlags(options), parseError, status));
   if (U_FAILURE(status) || !compiled->pattern) {
     if (error) {
-      const String reason = stringWithFormat(u"%s at offset %d", u_errorName(status), parseError.offset);
+      const String reason =
+          stringWithFormat(u"%s at offset %d", u_errorName(status), parseError.offset);
       *error = Error(NSCocoaErrorDomain, 2048,
                      Dictionary{{u"NSInvalidValue", compiled->source},
                                 {NSLocalizedFailureReasonErrorKey, reason}});
@@ -97,7 +99,8 @@ UInteger RegularExpression::numberOfCaptureGroups() const {
 
 void RegularExpression::enumerateMatchesInString(const String& text, UInteger options, Range range,
                                                  const MatchBlock& block) const {
-  checkRangeInLength(range, text.length(), "-[NSRegularExpression enumerateMatchesInString:options:range:usingBlock:]");
+  checkRangeInLength(range, text.length(),
+                     "-[NSRegularExpression enumerateMatchesInString:options:range:usingBlock:]");
   if (!compiled_) return;
   UErrorCode status = U_ZERO_ERROR;
   const icu::UnicodeString input = alias(text);
@@ -120,14 +123,16 @@ void RegularExpression::enumerateMatchesInString(const String& text, UInteger op
 TextCheckingResult RegularExpression::firstMatchInString(const String& text, UInteger options,
                                                          Range range) const {
   TextCheckingResult first;
-  enumerateMatchesInString(text, options, range, [&](const TextCheckingResult& r, UInteger, bool* stop) {
-    first = r;
-    *stop = true;
-  });
+  enumerateMatchesInString(text, options, range,
+                           [&](const TextCheckingResult& r, UInteger, bool* stop) {
+                             first = r;
+                             *stop = true;
+                           });
   return first;
 }
 
-std::vector<TextCheckingResult> RegularExpression::matchesInString(const String& text, UInteger options,
+std::vector<TextCheckingResult> RegularExpression::matchesInString(const String& text,
+                                                                   UInteger options,
                                                                    Range range) const {
   std::vector<TextCheckingResult> all;
   enumerateMatchesInString(text, options, range,
@@ -138,7 +143,8 @@ std::vector<TextCheckingResult> RegularExpression::matchesInString(const String&
 UInteger RegularExpression::numberOfMatchesInString(const String& text, UInteger options,
                                                     Range range) const {
   UInteger count = 0;
-  enumerateMatchesInString(text, options, range, [&](const TextCheckingResult&, UInteger, bool*) { ++count; });
+  enumerateMatchesInString(text, options, range,
+                           [&](const TextCheckingResult&, UInteger, bool*) { ++count; });
   return count;
 }
 

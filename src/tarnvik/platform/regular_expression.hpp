@@ -67,7 +67,8 @@ struct CompiledPattern;
 // default-constructed RegularExpression is nil and matches nothing.
 class RegularExpression {
  public:
-  using MatchBlock = std::function<void(const TextCheckingResult& result, UInteger flags, bool* stop)>;
+  using MatchBlock =
+      std::function<void(const TextCheckingResult& result, UInteger flags, bool* stop)>;
 
   RegularExpression() = default;
   // nil when the pattern does not compile, with an Error in NSCocoaErrorDomain (code 2048)

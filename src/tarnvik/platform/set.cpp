@@ -18,7 +18,8 @@ struct UniqueStorage {
   bool contains(const Value& v) const { return find(v) != ValueIndex::npos; }
   void add(const Value& v) {
     // The value goes in at the end when the index takes it as new.
-    if (index.insert(v, values.size(), [this](std::size_t p) -> const Value& { return values[p]; }).second) {
+    if (index.insert(v, values.size(), [this](std::size_t p) -> const Value& { return values[p]; })
+            .second) {
       values.push_back(v);
     }
   }

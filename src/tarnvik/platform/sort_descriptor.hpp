@@ -26,6 +26,7 @@ class SortDescriptor {
 };
 
 // A stable sort by the descriptors in turn.
-Array sortedArrayUsingDescriptors(const Array& array, const std::vector<SortDescriptor>& descriptors);
+Array sortedArrayUsingDescriptors(const Array& array,
+                                  const std::vector<SortDescriptor>& descriptors);
 
 }  // namespace tarnvik

@@ -104,8 +104,8 @@ void readDigitRun(std::u16string_view s, std::size_t& i, std::u16string& digits)
 bool isASCIIDigit(char16_t c) { return c >= u'0' && c <= u'9'; }
 
 // The general comparison from positions i and j on.
-int compareFoldedFrom(std::u16string_view a, std::u16string_view b, const Folding& f,
-                      std::size_t i, std::size_t j);
+int compareFoldedFrom(std::u16string_view a, std::u16string_view b, const Folding& f, std::size_t i,
+                      std::size_t j);
 
 // The common case, names in ASCII, without ICU; it hands over to the general comparison at
 // the first unit beyond ASCII (a digit run that continues beyond ASCII is handed over
@@ -151,8 +151,8 @@ int compareFolded(std::u16string_view a, std::u16string_view b, const Folding& f
   return compareFoldedFrom(a, b, f, i, j);
 }
 
-int compareFoldedFrom(std::u16string_view a, std::u16string_view b, const Folding& f,
-                      std::size_t i, std::size_t j) {
+int compareFoldedFrom(std::u16string_view a, std::u16string_view b, const Folding& f, std::size_t i,
+                      std::size_t j) {
   std::size_t startA = 0, startB = 0;
   std::u16string runA, runB;
   for (;;) {
@@ -174,7 +174,8 @@ int compareFoldedFrom(std::u16string_view a, std::u16string_view b, const Foldin
 }
 
 Folding foldingFor(UInteger options) {
-  return Folding{(options & NSCaseInsensitiveSearch) != 0, (options & NSDiacriticInsensitiveSearch) != 0,
+  return Folding{(options & NSCaseInsensitiveSearch) != 0,
+                 (options & NSDiacriticInsensitiveSearch) != 0,
                  (options & NSWidthInsensitiveSearch) != 0, (options & NSNumericSearch) != 0};
 }
 

@@ -55,17 +55,20 @@ Data String::dataUsingEncoding(UInteger encoding, bool allowLossyConversion) con
     case NSASCIIStringEncoding: {
       const auto text = units();
       const bool plain = std::all_of(text.begin(), text.end(), [](char16_t c) { return c < 0x80; });
-      const std::u16string folded = plain || !allowLossyConversion ? std::u16string(text) : latinToASCII(text);
+      const std::u16string folded =
+          plain || !allowLossyConversion ? std::u16string(text) : latinToASCII(text);
       if (!narrowed(folded, 0x7F, allowLossyConversion, bytes)) return Data();
       return Data::withBuffer(std::move(bytes));
     }
     case NSISOLatin1StringEncoding:
       if (!narrowed(units(), 0xFF, allowLossyConversion, bytes)) return Data();
       return Data::withBuffer(std::move(bytes));
-    case NSUTF8StringEncoding: return Data::withString(utf8());
+    case NSUTF8StringEncoding:
+      return Data::withString(utf8());
     case NSUTF16StringEncoding:
       return Data::withBytes(units().data(), length() * sizeof(char16_t));
-    default: return Data();
+    default:
+      return Data();
   }
 }
 
@@ -83,14 +86,16 @@ String String::withData(const Data& data, UInteger encoding) {
       }
       return String(std::move(out));
     }
-    case NSUTF8StringEncoding: return fromUTF8(data.asStringView());
+    case NSUTF8StringEncoding:
+      return fromUTF8(data.asStringView());
     case NSUTF16StringEncoding: {
       if (bytes.size() % 2) return String();
       std::u16string out(bytes.size() / 2, u'\0');
       std::memcpy(out.data(), bytes.data(), bytes.size());
       return String(std::move(out));
     }
-    default: return String();
+    default:
+      return String();
   }
 }
 

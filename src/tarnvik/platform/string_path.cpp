@@ -166,7 +166,8 @@ String String::stringByResolvingSymlinksInPath() const {
   // Resolve the longest existing prefix with realpath, then add what does not exist.
   const auto parts = namedComponents(standard.units());
   for (std::size_t keep = parts.size() + 1; keep-- > 0;) {
-    const std::vector<std::u16string_view> head(parts.begin(), parts.begin() + static_cast<std::ptrdiff_t>(keep));
+    const std::vector<std::u16string_view> head(parts.begin(),
+                                                parts.begin() + static_cast<std::ptrdiff_t>(keep));
     char resolved[PATH_MAX];
     if (!realpath(String(joined(head, true)).utf8().c_str(), resolved)) continue;
     std::u16string out(String(resolved).units());

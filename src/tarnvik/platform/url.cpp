@@ -20,7 +20,8 @@ namespace {
 // Parses with uriparser; true when the whole text is a valid URI or relative reference.
 bool parses(const std::string& text, UriUriA& uri) {
   const char* errorAt = nullptr;
-  return uriParseSingleUriExA(&uri, text.data(), text.data() + text.size(), &errorAt) == URI_SUCCESS;
+  return uriParseSingleUriExA(&uri, text.data(), text.data() + text.size(), &errorAt) ==
+         URI_SUCCESS;
 }
 
 bool isValidURL(const std::string& text) {
@@ -54,7 +55,8 @@ void appendEscaped(std::u16string& out, unsigned char byte) {
 std::size_t appendEscapedCodePoint(std::u16string& out, std::u16string_view units, std::size_t i) {
   char32_t c = units[i];
   std::size_t used = 1;
-  if (c >= 0xD800 && c <= 0xDBFF && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] <= 0xDFFF) {
+  if (c >= 0xD800 && c <= 0xDBFF && i + 1 < units.size() && units[i + 1] >= 0xDC00 &&
+      units[i + 1] <= 0xDFFF) {
     c = 0x10000 + ((c - 0xD800) << 10) + (units[i + 1] - 0xDC00);
     used = 2;
   } else if (c >= 0xD800 && c <= 0xDFFF) {
@@ -88,7 +90,8 @@ String percentEncoded(const String& text, const std::array<bool, 128>& escape,
   out.reserve(units.size() + units.size() / 4);
   for (std::size_t i = 0; i < units.size();) {
     const char16_t unit = units[i];
-    const bool keep = unit < 0x80 ? !escape[unit] : keepBeyondASCII && keepBeyondASCII->characterIsMember(unit);
+    const bool keep =
+        unit < 0x80 ? !escape[unit] : keepBeyondASCII && keepBeyondASCII->characterIsMember(unit);
     if (keep) {
       out.push_back(unit);
       ++i;
@@ -144,11 +147,13 @@ URL URL::fileURLWithPath(const String& path) {
   if (path.isNil()) return URL();
   String absolute = path;
   if (!path.hasPrefix(u"/")) {
-    absolute = FileManager::defaultManager().currentDirectoryPath().stringByAppendingPathComponent(path);
+    absolute =
+        FileManager::defaultManager().currentDirectoryPath().stringByAppendingPathComponent(path);
   }
   std::string filename = absolute.utf8();
   struct stat info {};
-  if (::stat(filename.c_str(), &info) == 0 && S_ISDIR(info.st_mode) && !filename.ends_with("/")) filename += "/";
+  if (::stat(filename.c_str(), &info) == 0 && S_ISDIR(info.st_mode) && !filename.ends_with("/"))
+    filename += "/";
   std::string text(filename.size() * 3 + 8, '\0');
   if (uriUnixFilenameToUriStringA(filename.c_str(), text.data()) != URI_SUCCESS) return URL();
   text.resize(std::strlen(text.c_str()));
@@ -168,7 +173,8 @@ URL::Parts URL::split() const {
   }
   const auto colon = rest.find(u':');
   const auto firstSlash = rest.find(u'/');
-  if (colon != std::u16string_view::npos && colon > 0 && (firstSlash == std::u16string_view::npos || colon < firstSlash)) {
+  if (colon != std::u16string_view::npos && colon > 0 &&
+      (firstSlash == std::u16string_view::npos || colon < firstSlash)) {
     parts.scheme = String(rest.substr(0, colon));
     rest = rest.substr(colon + 1);
   }
@@ -182,20 +188,23 @@ URL::Parts URL::split() const {
       const std::u16string_view info = authority.substr(0, at);
       const auto separator = info.find(u':');
       parts.user = String(info.substr(0, separator));
-      if (separator != std::u16string_view::npos) parts.password = String(info.substr(separator + 1));
+      if (separator != std::u16string_view::npos)
+        parts.password = String(info.substr(separator + 1));
       authority = authority.substr(at + 1);
     }
     std::size_t portColon = std::u16string_view::npos;
     if (authority.starts_with(u"[")) {
       const auto close = authority.find(u']');
-      if (close != std::u16string_view::npos && close + 1 < authority.size() && authority[close + 1] == u':') {
+      if (close != std::u16string_view::npos && close + 1 < authority.size() &&
+          authority[close + 1] == u':') {
         portColon = close + 1;
       }
     } else {
       portColon = authority.rfind(u':');
     }
     parts.host = String(authority.substr(0, portColon));
-    if (portColon != std::u16string_view::npos) parts.port = String(authority.substr(portColon + 1));
+    if (portColon != std::u16string_view::npos)
+      parts.port = String(authority.substr(portColon + 1));
   }
   parts.path = String(rest);
   return parts;
@@ -263,20 +272,23 @@ Value URL::valueForKey(const String& key) const {
   if (key == String(u"query")) return query();
   if (key == String(u"fragment")) return fragment();
   if (key == String(u"absoluteString")) return absoluteString();
-  throw Exception(NSUndefinedKeyException,
-                  stringWithFormat(u"[<NSURL %p> valueForUndefinedKey:]: this class is not key value "
-                                   u"coding-compliant for the key %@.",
-                                   static_cast<const void*>(this), key));
+  throw Exception(
+      NSUndefinedKeyException,
+      stringWithFormat(u"[<NSURL %p> valueForUndefinedKey:]: this class is not key value "
+                       u"coding-compliant for the key %@.",
+                       static_cast<const void*>(this), key));
 }
 
-String stringByAddingPercentEncodingWithAllowedCharacters(const String& text, const CharacterSet& allowed) {
+String stringByAddingPercentEncodingWithAllowedCharacters(const String& text,
+                                                          const CharacterSet& allowed) {
   std::array<bool, 128> escape{};
   for (char16_t c = 0; c < 128; ++c) escape[c] = !allowed.characterIsMember(c);
   return percentEncoded(text, escape, &allowed);
 }
 
 PercentEscapes::PercentEscapes(const String& legalToLeave, const String& toEscape) {
-  for (char16_t c = 0; c < 128; ++c) escape_[c] = c < 0x20 || c == 0x7F || kNeverLegal.find(c) != std::u16string_view::npos;
+  for (char16_t c = 0; c < 128; ++c)
+    escape_[c] = c < 0x20 || c == 0x7F || kNeverLegal.find(c) != std::u16string_view::npos;
   for (const char16_t c : toEscape.units()) {
     if (c < 128) escape_[c] = true;
   }
@@ -287,7 +299,8 @@ PercentEscapes::PercentEscapes(const String& legalToLeave, const String& toEscap
 
 String PercentEscapes::apply(const String& text) const { return percentEncoded(text, escape_); }
 
-String stringByAddingPercentEscapes(const String& text, const String& legalToLeave, const String& toEscape) {
+String stringByAddingPercentEscapes(const String& text, const String& legalToLeave,
+                                    const String& toEscape) {
   return PercentEscapes(legalToLeave, toEscape).apply(text);
 }
 

@@ -69,7 +69,7 @@ class URL {
 // becomes "%" and two upper-case hex digits per byte. The set answers per UTF-16 unit, so a
 // character beyond the BMP (a surrogate pair) is always encoded.
 String stringByAddingPercentEncodingWithAllowedCharacters(const String& text,
-                                                           const CharacterSet& allowed);
+                                                          const CharacterSet& allowed);
 // The older escaping: the bytes of characters that are never legal in a URL (controls,
 // blanks, non-ASCII, and " % < > \ ^ ` { | }) and of those listed in `toEscape` are
 // encoded, except those listed in `legalToLeave`.

@@ -31,7 +31,8 @@ void URLRequest::addValue(const String& value, const String& field) {
   if (existing.isNil()) {
     headers_.setObject(value, field);
   } else {
-    headers_.setObject(stringWithFormat(u"%@, %@", headers_.objectForKey(existing), value), existing);
+    headers_.setObject(stringWithFormat(u"%@, %@", headers_.objectForKey(existing), value),
+                       existing);
   }
 }
 

@@ -54,7 +54,9 @@ String prefixOfCharactersMemberOfSet(const String& text, const CharacterSet& set
   return String(units.substr(0, n));
 }
 
-String decimalDigitSuffix(const String& text) { return suffixOfCharactersMemberOfSet(text, decimalDigits()); }
+String decimalDigitSuffix(const String& text) {
+  return suffixOfCharactersMemberOfSet(text, decimalDigits());
+}
 
 String nonDecimalDigitSuffix(const String& text) {
   return suffixOfCharactersNotMemberOfSet(text, decimalDigits());

@@ -18,10 +18,10 @@ String ke_regularPluralized(const String& word, UInteger count) {
 }
 
 String fullySpelledStringForUnsignedInteger(UInteger value) {
-  static constexpr const char16_t* kSmall[] = {nullptr, u"one", u"two",   u"three", u"four",
-                                               u"five", u"six", u"seven", u"eight", u"nine",
+  static constexpr const char16_t* kSmall[] = {nullptr, u"one",    u"two",   u"three", u"four",
+                                               u"five", u"six",    u"seven", u"eight", u"nine",
                                                u"ten",  u"eleven", u"twelve"};
-  static constexpr const char16_t* kTens[] = {nullptr,   nullptr,  u"twenty",  u"thirty", u"fourty",
+  static constexpr const char16_t* kTens[] = {nullptr,  nullptr,  u"twenty",  u"thirty", u"fourty",
                                               u"fifty", u"sixty", u"seventy", u"eighty", u"ninety"};
   if (value >= 1 && value <= 12) return kSmall[value];
   if (value >= 20 && value <= 90 && value % 10 == 0) return kTens[value / 10];
@@ -36,7 +36,8 @@ String stringWithUpperCaseFirstLetter(const String& text) {
 }
 
 String asciiString(const String& text) {
-  return String::withData(text.dataUsingEncoding(NSASCIIStringEncoding, true), NSASCIIStringEncoding);
+  return String::withData(text.dataUsingEncoding(NSASCIIStringEncoding, true),
+                          NSASCIIStringEncoding);
 }
 
 String asciiStringWithoutWhitespace(const String& text) {
@@ -56,7 +57,8 @@ String stringByExpandingCamelCase(const String& text) {
   out.reserve(units.size() + units.size() / 4);
   for (std::size_t i = 0; i < units.size(); ++i) {
     out.push_back(units[i]);
-    if (i + 1 < units.size() && lower.characterIsMember(units[i]) && upper.characterIsMember(units[i + 1])) {
+    if (i + 1 < units.size() && lower.characterIsMember(units[i]) &&
+        upper.characterIsMember(units[i + 1])) {
       out.push_back(u' ');
     }
   }
@@ -74,8 +76,8 @@ String stringByEscapingXMLCharacters(const String& text) {
 }
 
 Dictionary _invalidXMLCharacterEscapeMap() {
-  static const Dictionary map{{u"&", u"&amp;"}, {u"\"", u"&quot;"}, {u"<", u"&lt;"},
-                              {u"'", u"&apos;"}, {u">", u"&gt;"}};
+  static const Dictionary map{
+      {u"&", u"&amp;"}, {u"\"", u"&quot;"}, {u"<", u"&lt;"}, {u"'", u"&apos;"}, {u">", u"&gt;"}};
   return map;
 }
 
@@ -98,9 +100,10 @@ String stringByReplacingOccurencesOfString(const String& text, const String& tar
                                            const String& replacement, const String& alternative,
                                            bool stripIllegalCharacters, bool escapeXML) {
   if (alternative.isNil()) raiseInvalidArgument(u"Alternative string must not be nil");
-  const String escaped = escapeXML && !replacement.isNil() ? stringByEscapingXMLCharacters(replacement)
-                                                           : replacement;
-  String result = text.stringByReplacingOccurrencesOfString(target, escaped.isNil() ? alternative : escaped);
+  const String escaped =
+      escapeXML && !replacement.isNil() ? stringByEscapingXMLCharacters(replacement) : replacement;
+  String result =
+      text.stringByReplacingOccurrencesOfString(target, escaped.isNil() ? alternative : escaped);
   if (stripIllegalCharacters) {
     result = stringByDeletingCharactersMemberOfSet(result, CharacterSet::illegalCharacterSet());
     result = stringByDeletingCharactersMemberOfSet(result, CharacterSet::controlCharacterSet());
@@ -122,7 +125,8 @@ bool matchesRegularExpressionPattern(const String& text, const String& pattern) 
               u"could not compile regex pattern '%@': %@", pattern, error);
     return false;
   }
-  return re.firstMatchInString(text, NSMatchingAnchored, {0, text.length()}).range().location != NSNotFound;
+  return re.firstMatchInString(text, NSMatchingAnchored, {0, text.length()}).range().location !=
+         NSNotFound;
 }
 
 }  // namespace tarnvik

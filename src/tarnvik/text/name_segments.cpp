@@ -21,7 +21,8 @@ std::u16string_view extensionOf(std::u16string_view path) {
   while (path.size() > 1 && path.back() == u'/') path.remove_suffix(1);
   for (std::size_t at = path.size(); at-- > 0;) {
     if (path[at] == u'/') return {};
-    if (path[at] == u'.') return at == 0 || path[at - 1] == u'/' ? std::u16string_view() : path.substr(at + 1);
+    if (path[at] == u'.')
+      return at == 0 || path[at - 1] == u'/' ? std::u16string_view() : path.substr(at + 1);
   }
   return {};
 }
@@ -29,8 +30,9 @@ std::u16string_view extensionOf(std::u16string_view path) {
 String padding(const String& text, UInteger length, const String& pad) {
   const UInteger missing = length - text.length();
   if (pad.isEmpty()) {
-    raiseRangeFormat(u"-[NSString stringByPaddingToLength:withString:startingAtIndex:]: "
-                     u"out of range padIndex");
+    raiseRangeFormat(
+        u"-[NSString stringByPaddingToLength:withString:startingAtIndex:]: "
+        u"out of range padIndex");
   }
   std::u16string out;
   out.reserve(missing);
@@ -61,16 +63,21 @@ String advanceLastSegmentWithIncrementation(const String& name, bool increment) 
   return stringWithFormat(stringWithFormat(u"%@%%@", stem), String(std::u16string(1, last)));
 }
 
-String incrementLastSegment(const String& name) { return advanceLastSegmentWithIncrementation(name, true); }
+String incrementLastSegment(const String& name) {
+  return advanceLastSegmentWithIncrementation(name, true);
+}
 
-String decrementLastSegment(const String& name) { return advanceLastSegmentWithIncrementation(name, false); }
+String decrementLastSegment(const String& name) {
+  return advanceLastSegmentWithIncrementation(name, false);
+}
 
 String resetLastSegmentToIndex(const String& name, UInteger index) {
   const String digits = decimalDigitSuffix(name);
   if (digits.isEmpty()) return String(std::u16string(name.units()));
   const String number = stringWithFormat(u"%lu", index);
   String result = name.substringToIndex(name.length() - digits.length());
-  if (number.length() < digits.length()) result.appendString(String(std::u16string(digits.length() - number.length(), u'0')));
+  if (number.length() < digits.length())
+    result.appendString(String(std::u16string(digits.length() - number.length(), u'0')));
   result.appendString(number);
   return result;
 }
@@ -80,7 +87,8 @@ ComparisonResult compareForSequence(const String& name, const String& other) {
 }
 
 ComparisonResult compareUnitsForSequence(std::u16string_view name, std::u16string_view other) {
-  const ComparisonResult byExtension = String::compareUnits(extensionOf(name), extensionOf(other), 0);
+  const ComparisonResult byExtension =
+      String::compareUnits(extensionOf(name), extensionOf(other), 0);
   if (byExtension != NSOrderedSame) return byExtension;
   return String::compareUnits(name, other, kSequenceOptions);
 }
@@ -123,7 +131,8 @@ bool appendSequenceKey(std::u16string_view name, std::uint16_t extensionRank, st
 // Eight key bytes from `at`, big-endian, zero past the end.
 std::uint64_t keyWord(std::string_view key, std::size_t at) {
   std::uint64_t word = 0;
-  for (std::size_t k = at; k < at + 8; ++k) word = word << 8 | (k < key.size() ? static_cast<unsigned char>(key[k]) : 0u);
+  for (std::size_t k = at; k < at + 8; ++k)
+    word = word << 8 | (k < key.size() ? static_cast<unsigned char>(key[k]) : 0u);
   return word;
 }
 
@@ -145,17 +154,22 @@ std::vector<std::size_t> orderByKeys(std::span<const std::u16string_view> names)
   std::vector<std::u16string_view> extensions;
   for (const auto& entry : ranks) extensions.push_back(entry.first);
   std::sort(extensions.begin(), extensions.end());
-  for (std::size_t r = 0; r < extensions.size(); ++r) ranks[extensions[r]] = static_cast<std::uint16_t>(r);
+  for (std::size_t r = 0; r < extensions.size(); ++r)
+    ranks[extensions[r]] = static_cast<std::uint16_t>(r);
 
   std::string keys;
   std::vector<KeyedName> keyed;
   keyed.reserve(names.size());
   for (std::size_t i = 0; i < names.size(); ++i) {
     const std::size_t start = keys.size();
-    if (!appendSequenceKey(names[i], ranks[extensionOf(names[i])], keys) || keys.size() > UINT32_MAX) return {};
+    if (!appendSequenceKey(names[i], ranks[extensionOf(names[i])], keys) ||
+        keys.size() > UINT32_MAX)
+      return {};
     const std::string_view key = std::string_view(keys).substr(start);
-    keyed.push_back({{keyWord(key, 0), keyWord(key, 8)}, static_cast<std::uint32_t>(start),
-                     static_cast<std::uint32_t>(key.size()), i});
+    keyed.push_back({{keyWord(key, 0), keyWord(key, 8)},
+                     static_cast<std::uint32_t>(start),
+                     static_cast<std::uint32_t>(key.size()),
+                     i});
   }
   const std::string_view all(keys);
   std::sort(keyed.begin(), keyed.end(), [&](const KeyedName& a, const KeyedName& b) {
@@ -229,7 +243,8 @@ String stringByPaddingRightToMinimalLength(const String& text, UInteger length, 
 Integer integerValueOfHexString(const String& text) {
   constexpr const char16_t* kOperation = u"-[NSString(SequenceCompare) integerValueOfHexString]";
   if (text.length() >= 16) {
-    KU_ASSERT(false, kOperation, Value(text), u"%@ is too long to be converted to an integer", text);
+    KU_ASSERT(false, kOperation, Value(text), u"%@ is too long to be converted to an integer",
+              text);
     return 0;
   }
   Integer value = 0;

@@ -156,7 +156,8 @@ String relativePathFromBaseDirPath(const String& path, const String& base) {
 
 String stringWithTrailingSlash(const String& path) {
   const Range last{path.length() - 1, 1};
-  if (path.rangeOfString(u"/", 0, last).location == NSNotFound) return stringWithFormat(u"%@/", path);
+  if (path.rangeOfString(u"/", 0, last).location == NSNotFound)
+    return stringWithFormat(u"%@/", path);
   return path;
 }
 

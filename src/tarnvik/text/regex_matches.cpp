@@ -2,7 +2,8 @@
 
 namespace tarnvik {
 
-TextCheckingResult firstMatchInString(const RegularExpression& re, const String& text, UInteger options) {
+TextCheckingResult firstMatchInString(const RegularExpression& re, const String& text,
+                                      UInteger options) {
   return re.firstMatchInString(text, options, {0, text.length()});
 }
 
@@ -26,7 +27,8 @@ bool didMatch(const TextCheckingResult& match, UInteger group) {
   return match.rangeAtIndex(group).location != NSNotFound;
 }
 
-String substringOfMatchedString(const TextCheckingResult& match, const String& searched, UInteger group) {
+String substringOfMatchedString(const TextCheckingResult& match, const String& searched,
+                                UInteger group) {
   const Range range = match.rangeAtIndex(group);
   return range.location == NSNotFound ? String() : searched.substringWithRange(range);
 }

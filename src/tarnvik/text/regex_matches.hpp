@@ -26,7 +26,7 @@ bool didMatch(const TextCheckingResult& match);
 bool didMatch(const TextCheckingResult& match, UInteger group);
 // The searched text's part in the group's range; nil when the group took no part.
 String substringOfMatchedString(const TextCheckingResult& match, const String& searched,
-                                 UInteger group);
+                                UInteger group);
 // The texts of groups 1 up to and including numberOfRanges (one past the last group), with
 // Null for a group that took no part; so the last element is always Null. nil for a nil
 // result.

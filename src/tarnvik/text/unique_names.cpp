@@ -90,7 +90,9 @@ String commonAncestorDirectoryFromPaths(const Array& paths) {
   for (const Value& path : paths) {
     const Array components = path.asString().pathComponents();
     std::size_t same = 0;
-    while (same < common.size() && same < components.count() && common[same].isEqual(components[same])) ++same;
+    while (same < common.size() && same < components.count() &&
+           common[same].isEqual(components[same]))
+      ++same;
     common.resize(same);
     if (common.empty()) return String();
   }

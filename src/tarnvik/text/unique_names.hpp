@@ -29,7 +29,8 @@ String uniquifyFileNameInFolder(const String& fileName, const String& folder,
                                 const Array& rivals = Array(),
                                 FileManager& fileManager = FileManager::defaultManager());
 // The path with its last component made unique in its parent folder.
-String uniquifyFilePath(const String& path, FileManager& fileManager = FileManager::defaultManager());
+String uniquifyFilePath(const String& path,
+                        FileManager& fileManager = FileManager::defaultManager());
 // Drops middle components until the path is at most maxLength long and puts "..." in their
 // place, so the result may exceed maxLength by four characters.
 String trimFilePathInMiddleToRoughlyMaxSize(const String& path, UInteger maxLength);

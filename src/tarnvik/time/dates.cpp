@@ -66,7 +66,8 @@ const DayWords& dayWords() {
     w->weekdays = names.weekdaySymbols();
     UErrorCode status = U_ZERO_ERROR;
     icu::RelativeDateTimeFormatter relative(icu::Locale(locale), nullptr, UDAT_STYLE_LONG,
-                                            UDISPCTX_CAPITALIZATION_FOR_BEGINNING_OF_SENTENCE, status);
+                                            UDISPCTX_CAPITALIZATION_FOR_BEGINNING_OF_SENTENCE,
+                                            status);
     auto word = [&](UDateDirection direction) {
       icu::UnicodeString text;
       UErrorCode s = U_ZERO_ERROR;
@@ -151,7 +152,8 @@ String humanReadableStringTwoLinesWhenLonger(Date date, bool twoLines) {
   const DayWords& words = dayWords();
   MainFormatters& main = mainFormatters();
   const Date dayStart = words.calendar.startOfDayForDate(date);
-  const DateComponents today = words.calendar.components(words.calendar.startOfDayForDate(Date::now()));
+  const DateComponents today =
+      words.calendar.components(words.calendar.startOfDayForDate(Date::now()));
   String prefix;
   for (Integer offset = 1; offset >= -6; --offset) {
     DateComponents day = today;
@@ -173,7 +175,8 @@ String humanReadableStringTwoLinesWhenLonger(Date date, bool twoLines) {
   }
   if (!prefix.isNil()) return stringWithFormat(u"%@%@", prefix, main.timeOnly.stringFromDate(date));
   if (twoLines) {
-    return stringWithFormat(u"%@\n%@", main.dateOnly.stringFromDate(date), main.timeOnly.stringFromDate(date));
+    return stringWithFormat(u"%@\n%@", main.dateOnly.stringFromDate(date),
+                            main.timeOnly.stringFromDate(date));
   }
   return main.dateAndTime.stringFromDate(date);
 }
@@ -189,8 +192,14 @@ bool isLaterThanDate(Date date, Date other) { return date > other; }
 
 bool isEarlierThanDate(Date date, Date other) { return date < other; }
 
-std::uint64_t NSTimeIntervalNumberOfDays(TimeInterval interval) { return wholeUnits(interval, kSecondsPerDay); }
-std::uint64_t NSTimeIntervalNumberOfHours(TimeInterval interval) { return wholeUnits(interval, 3600); }
-std::uint64_t NSTimeIntervalNumberOfMinutes(TimeInterval interval) { return wholeUnits(interval, 60); }
+std::uint64_t NSTimeIntervalNumberOfDays(TimeInterval interval) {
+  return wholeUnits(interval, kSecondsPerDay);
+}
+std::uint64_t NSTimeIntervalNumberOfHours(TimeInterval interval) {
+  return wholeUnits(interval, 3600);
+}
+std::uint64_t NSTimeIntervalNumberOfMinutes(TimeInterval interval) {
+  return wholeUnits(interval, 60);
+}
 
 }  // namespace tarnvik

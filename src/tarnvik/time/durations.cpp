@@ -34,7 +34,8 @@ String humanReadableStringForDuration(float d) {
 }
 
 String humanReadableStringForDuration(float duration, float notLessThan) {
-  if (notLessThan > duration) return stringWithFormat(u"< %@", humanReadableStringForDuration(notLessThan));
+  if (notLessThan > duration)
+    return stringWithFormat(u"< %@", humanReadableStringForDuration(notLessThan));
   return humanReadableStringForDuration(duration);
 }
 
@@ -74,7 +75,8 @@ String timecodeStringWithDate(Date date, float framesPerSecond) {
   formatter.setDateFormat(u"SSS");
   const float milliseconds = formatter.stringFromDate(date).floatValue();
   const double frames = std::floor(static_cast<double>(milliseconds * framesPerSecond) / 1000.0);
-  const auto count = frames <= 0 || std::isnan(frames) ? 0ull : static_cast<unsigned long long>(frames);
+  const auto count =
+      frames <= 0 || std::isnan(frames) ? 0ull : static_cast<unsigned long long>(frames);
   return stringWithFormat(u"%@.%02lu", base, count);
 }
 

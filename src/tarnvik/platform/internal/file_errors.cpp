@@ -8,7 +8,8 @@ namespace tarnvik::file_errors {
 Error make(Integer code, const String& path, int posixError) {
   const Error posix(u"NSPOSIXErrorDomain", posixError,
                     Dictionary{{NSLocalizedDescriptionKey, String(std::strerror(posixError))}});
-  return Error(NSCocoaErrorDomain, code, Dictionary{{u"NSFilePath", path}, {NSUnderlyingErrorKey, posix}});
+  return Error(NSCocoaErrorDomain, code,
+               Dictionary{{u"NSFilePath", path}, {NSUnderlyingErrorKey, posix}});
 }
 
 Error reading(const String& path, int posixError) {
@@ -19,7 +20,7 @@ Error reading(const String& path, int posixError) {
 }
 
 Error writing(const String& path, int posixError) {
-  const Integer code = posixError == ENOSPC ? kFileWriteOutOfSpace
+  const Integer code = posixError == ENOSPC                          ? kFileWriteOutOfSpace
                        : posixError == EACCES || posixError == EPERM ? kFileWriteNoPermission
                                                                      : kFileWriteUnknown;
   return make(code, path, posixError);

@@ -37,7 +37,8 @@ std::string toUTF8(std::u16string_view utf16) {
   // unit becomes at most three bytes (a pair of units, four).
   std::string out(utf16.size(), '\0');
   std::size_t ascii = 0;
-  for (; ascii < utf16.size() && utf16[ascii] < 0x80; ++ascii) out[ascii] = static_cast<char>(utf16[ascii]);
+  for (; ascii < utf16.size() && utf16[ascii] < 0x80; ++ascii)
+    out[ascii] = static_cast<char>(utf16[ascii]);
   if (ascii == utf16.size()) return out;
   out.resize(ascii + (utf16.size() - ascii) * 3);
   std::int32_t length = 0;

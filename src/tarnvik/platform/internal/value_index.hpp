@@ -23,7 +23,8 @@ class ValueIndex {
     const auto tag = tagOf(hash);
     for (std::size_t i = tag & mask(); slots_[i].positionPlusOne != 0; i = (i + 1) & mask()) {
       const Slot& slot = slots_[i];
-      if (slot.tag == tag && keyAt(slot.positionPlusOne - 1).isEqual(key)) return slot.positionPlusOne - 1;
+      if (slot.tag == tag && keyAt(slot.positionPlusOne - 1).isEqual(key))
+        return slot.positionPlusOne - 1;
     }
     return npos;
   }
@@ -38,7 +39,8 @@ class ValueIndex {
     std::size_t i = tag & mask();
     for (; slots_[i].positionPlusOne != 0; i = (i + 1) & mask()) {
       const Slot& slot = slots_[i];
-      if (slot.tag == tag && keyAt(slot.positionPlusOne - 1).isEqual(key)) return {slot.positionPlusOne - 1, false};
+      if (slot.tag == tag && keyAt(slot.positionPlusOne - 1).isEqual(key))
+        return {slot.positionPlusOne - 1, false};
     }
     slots_[i] = {static_cast<std::uint32_t>(position + 1), tag};
     ++used_;
@@ -70,7 +72,9 @@ class ValueIndex {
     std::uint32_t tag = 0;
   };
 
-  static std::uint32_t tagOf(std::size_t hash) { return static_cast<std::uint32_t>(hash >> 32 ^ hash); }
+  static std::uint32_t tagOf(std::size_t hash) {
+    return static_cast<std::uint32_t>(hash >> 32 ^ hash);
+  }
   std::size_t mask() const { return slots_.size() - 1; }
 
   // Moves the slots into a larger table; slots are placed by their tag, so no key is hashed
