@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/domain.hpp"
+#include "support/raised.hpp"
 #include "tarnvik/platform/foundation.hpp"
 
 namespace tarnvik {
@@ -10,14 +11,7 @@ namespace {
 
 using testing::clip;
 
-std::string raised(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Exception& e) {
-    return e.name().utf8() + ": " + e.reason().utf8();
-  }
-  return "nothing";
-}
+using testing::raised;
 
 TEST(ArrayAccess, SafeIndexingNeverRaises) {
   const Array one{u"a"};

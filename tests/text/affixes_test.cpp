@@ -2,19 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "support/raised.hpp"
 #include "tarnvik/platform/error.hpp"
 
 namespace tarnvik {
 namespace {
 
-std::string raised(const std::function<void()>& f) {
-  try {
-    f();
-  } catch (const Exception& e) {
-    return e.name().utf8() + ": " + e.reason().utf8();
-  }
-  return "nothing";
-}
+using testing::raised;
 
 TEST(Affixes, DeletingPrefixesAndSuffixes) {
   EXPECT_EQ(stringByDeletingPrefix(u"A001C009", u"A001").utf8(), "C009");

@@ -11,6 +11,7 @@
 
 #include "tarnvik/platform/bundle.hpp"
 #include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/internal/icu_text.hpp"
 
 namespace tarnvik {
 
@@ -18,17 +19,8 @@ namespace {
 
 constexpr double kMillisecondsPerSecond = 1000.0;
 
-icu::UnicodeString toICU(const String& text) {
-  const auto units = text.units();
-  return icu::UnicodeString(units.data(), static_cast<int32_t>(units.size()));
-}
-
-String fromICU(const icu::UnicodeString& text) {
-  return String(std::u16string_view(text.getBuffer(), static_cast<std::size_t>(text.length())));
-}
-
 std::unique_ptr<icu::TimeZone> icuZone(const String& name) {
-  return std::unique_ptr<icu::TimeZone>(icu::TimeZone::createTimeZone(toICU(name)));
+  return std::unique_ptr<icu::TimeZone>(icu::TimeZone::createTimeZone(icu_text::copy(name)));
 }
 
 UDate toUDate(Date date) { return date.timeIntervalSince1970() * kMillisecondsPerSecond; }
@@ -39,7 +31,7 @@ TimeZone TimeZone::localTimeZone() {
   std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createDefault());
   icu::UnicodeString id;
   zone->getID(id);
-  return TimeZone(fromICU(id));
+  return TimeZone(icu_text::fromICU(id));
 }
 
 TimeZone TimeZone::timeZoneWithName(const String& name) {

@@ -7,6 +7,8 @@
 #include <unicode/timezone.h>
 #include <unicode/udisplaycontext.h>
 
+#include "tarnvik/platform/internal/icu_text.hpp"
+
 namespace tarnvik {
 
 struct DateFormatterState {
@@ -25,15 +27,6 @@ namespace {
 
 // ICU counts milliseconds from 1970.
 constexpr double kMillisecondsPerSecond = 1000.0;
-
-icu::UnicodeString toICU(const String& text) {
-  const auto units = text.units();
-  return icu::UnicodeString(units.data(), static_cast<int32_t>(units.size()));
-}
-
-String fromICU(const icu::UnicodeString& text) {
-  return String(std::u16string_view(text.getBuffer(), static_cast<std::size_t>(text.length())));
-}
 
 icu::DateFormat::EStyle icuStyle(UInteger style, bool relative) {
   icu::DateFormat::EStyle s = icu::DateFormat::kNone;
@@ -74,13 +67,14 @@ void DateFormatter::rebuild() {
         icuStyle(state_->dateStyle, state_->relative), icuStyle(state_->timeStyle, false), locale));
   } else {
     UErrorCode status = U_ZERO_ERROR;
-    format = std::make_unique<icu::SimpleDateFormat>(toICU(state_->pattern), locale, status);
+    format =
+        std::make_unique<icu::SimpleDateFormat>(icu_text::copy(state_->pattern), locale, status);
     if (U_FAILURE(status)) format.reset();
   }
   if (format) {
     format->adoptTimeZone(state_->zone.isNil()
                               ? icu::TimeZone::createDefault()
-                              : icu::TimeZone::createTimeZone(toICU(state_->zone.name())));
+                              : icu::TimeZone::createTimeZone(icu_text::copy(state_->zone.name())));
     format->setLenient(state_->lenient);
     if (state_->relative) {
       UErrorCode status = U_ZERO_ERROR;
@@ -150,13 +144,13 @@ String DateFormatter::stringFromDate(Date date) const {
   if (!state_->format) return String();
   icu::UnicodeString out;
   state_->format->format(date.timeIntervalSince1970() * kMillisecondsPerSecond, out);
-  return fromICU(out);
+  return icu_text::fromICU(out);
 }
 
 std::optional<Date> DateFormatter::dateFromString(const String& text) const {
   std::lock_guard guard(lock_);
   if (!state_->format || text.isNil()) return std::nullopt;
-  const icu::UnicodeString input = toICU(text);
+  const icu::UnicodeString input = icu_text::copy(text);
   icu::ParsePosition position(0);
   const UDate millis = state_->format->parse(input, position);
   if (position.getErrorIndex() >= 0 || position.getIndex() != input.length()) return std::nullopt;
@@ -172,7 +166,7 @@ Array DateFormatter::weekdaySymbols() const {
   int32_t count = 0;
   const icu::UnicodeString* weekdays = symbols.getWeekdays(count);
   // ICU's list starts with an empty entry so that index 1 is Sunday.
-  for (int32_t i = 1; i < count; ++i) names.addObject(fromICU(weekdays[i]));
+  for (int32_t i = 1; i < count; ++i) names.addObject(icu_text::fromICU(weekdays[i]));
   return names;
 }
 

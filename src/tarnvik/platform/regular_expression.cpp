@@ -5,6 +5,7 @@
 #include <unicode/utypes.h>
 
 #include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/internal/icu_text.hpp"
 
 namespace tarnvik {
 
@@ -26,11 +27,6 @@ uint32_t icuFlags(UInteger options) {
   if (options & NSRegularExpressionUseUnixLineSeparators) flags |= UREGEX_UNIX_LINES;
   if (options & NSRegularExpressionUseUnicodeWordBoundaries) flags |= UREGEX_UWORD;
   return flags;
-}
-
-icu::UnicodeString alias(const String& text) {
-  const auto units = text.units();
-  return icu::UnicodeString(false, units.data(), static_cast<int32_t>(units.size()));
 }
 
 TextCheckingResult resultOf(const icu::RegexMatcher& matcher) {
@@ -60,8 +56,8 @@ RegularExpression RegularExpression::regularExpressionWithPattern(const String& 
   auto compiled = std::make_shared<CompiledPattern>();
   compiled->source = pattern.isNil() ? String(u"") : pattern;
   compiled->options = options;
-  compiled->pattern.reset(
-      icu::RegexPattern::compile(alias(compiled->source), icuFlags(options), parseError, status));
+  compiled->pattern.reset(icu::RegexPattern::compile(icu_text::alias(compiled->source),
+                                                     icuFlags(options), parseError, status));
   if (U_FAILURE(status) || !compiled->pattern) {
     if (error) {
       const String reason =
@@ -103,7 +99,7 @@ void RegularExpression::enumerateMatchesInString(const String& text, UInteger op
                      "-[NSRegularExpression enumerateMatchesInString:options:range:usingBlock:]");
   if (!compiled_) return;
   UErrorCode status = U_ZERO_ERROR;
-  const icu::UnicodeString input = alias(text);
+  const icu::UnicodeString input = icu_text::alias(text);
   std::unique_ptr<icu::RegexMatcher> matcher(compiled_->pattern->matcher(input, status));
   if (U_FAILURE(status)) return;
   matcher->region(static_cast<int64_t>(range.location), static_cast<int64_t>(range.end()), status);
