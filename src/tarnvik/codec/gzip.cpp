@@ -59,6 +59,14 @@ Data gzipUnpackedData(const Data& data) {
   // half comes from the low 32 bits of the length.
   const std::size_t half = static_cast<std::uint32_t>(data.length()) >> 1;
   ByteBuffer out(data.length() + half);
+  // A gzip trailer states the unpacked size (modulo 2^32): reserving it spares the copies of
+  // growing. It is only a hint, bounded by deflate's largest ratio, and never changes the
+  // result.
+  if (data.length() >= 18 && data.bytes()[0] == 0x1F && data.bytes()[1] == 0x8B) {
+    const std::uint8_t* tail = data.bytes() + data.length() - 4;
+    const std::size_t stated = tail[0] | tail[1] << 8 | tail[2] << 16 | static_cast<std::size_t>(tail[3]) << 24;
+    if (stated > out.size() && stated / 1032 <= data.length()) out.reserve(stated + half);
+  }
   z_stream stream{};
   const std::uint8_t* in = data.bytes();
   stream.next_in = const_cast<Bytef*>(in);

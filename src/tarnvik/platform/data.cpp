@@ -102,7 +102,8 @@ Data Data::dataWithContentsOfFile(const String& path, UInteger options, Error* e
                       S_ISREG(info.st_mode) && info.st_size > 0;
   if (mapped) {
     const auto size = static_cast<std::size_t>(info.st_size);
-    void* address = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file.fd, 0);
+    // Populating the mapping up front costs one pass instead of a page fault per page.
+    void* address = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, file.fd, 0);
     if (address != MAP_FAILED) {
       ::madvise(address, size, MADV_SEQUENTIAL);
       return withBytesNoCopy(address, size, [](const void* p, UInteger n) {
