@@ -104,6 +104,22 @@ TEST(FormatEngine, MismatchedKindsAreConverted) {
   EXPECT_EQ(fmt(u"%lu", Value(UINT64_MAX)), "18446744073709551615");
 }
 
+TEST(FormatEngine, RandomFormatsNeverReadPastTheArguments) {
+  // Under the sanitizers this proves the parser stays inside the format and the arguments.
+  // Without "p": a pointer differs from call to call.
+  const std::u16string alphabet = u"%%%-+ #0123456789.*$hlqzjtLdiuxXocCs@fFeEgGaA!";
+  std::uint32_t seed = 12345;
+  auto next = [&] { return seed = seed * 1664525u + 1013904223u; };
+  for (int round = 0; round < 3000; ++round) {
+    std::u16string format;
+    const std::uint32_t length = next() % 12;
+    for (std::uint32_t i = 0; i < length; ++i) format.push_back(alphabet[next() % alphabet.size()]);
+    const String once = stringWithFormat(String(format), 42, u"text", 2.5);
+    EXPECT_EQ(once, stringWithFormat(String(format), 42, u"text", 2.5)) << String(format).utf8();
+    EXPECT_FALSE(stringWithFormat(String(format)).isNil());
+  }
+}
+
 TEST(FormatEngine, AppendFormatExtendsTheText) {
   String text = u"A";
   appendFormat(text, u"%03d", 7);

@@ -64,7 +64,8 @@ Data gzipUnpackedData(const Data& data) {
   // result.
   if (data.length() >= 18 && data.bytes()[0] == 0x1F && data.bytes()[1] == 0x8B) {
     const std::uint8_t* tail = data.bytes() + data.length() - 4;
-    const std::size_t stated = tail[0] | tail[1] << 8 | tail[2] << 16 | static_cast<std::size_t>(tail[3]) << 24;
+    const std::size_t stated =
+        tail[0] | tail[1] << 8 | tail[2] << 16 | static_cast<std::size_t>(tail[3]) << 24;
     if (stated > out.size() && stated / 1032 <= data.length()) out.reserve(stated + half);
   }
   z_stream stream{};
