@@ -32,6 +32,20 @@ TEST(String, UTF8RoundTripsAndInvalidInput) {
             "b");
 }
 
+TEST(String, UTF8RoundTripsAroundBlockBoundaries) {
+  // ASCII is converted in blocks of 32; a non-ASCII character anywhere must still survive.
+  for (const std::size_t length : {1u, 31u, 32u, 33u, 64u, 65u, 100u}) {
+    for (std::size_t at = 0; at < length; at += 7) {
+      std::string text(length, 'a');
+      text.replace(at, 1, "é");
+      const String s = String::fromUTF8(text);
+      ASSERT_EQ(s.length(), length) << length << " " << at;
+      EXPECT_EQ(s.characterAtIndex(at), u'é');
+      EXPECT_EQ(s.utf8(), text);
+    }
+  }
+}
+
 TEST(String, SubstringsCheckTheirRange) {
   const String s = u"A001C009";
   EXPECT_EQ(s.substringFromIndex(4).utf8(), "C009");

@@ -17,18 +17,32 @@ std::u16string fromUTF8(std::string_view utf8, bool lossy, bool* valid) {
     if (valid) *valid = false;
     return {};
   }
-  // UTF-16 never needs more units than UTF-8 has bytes.
+  // UTF-16 never needs more units than UTF-8 has bytes. ASCII is widened directly, in blocks
+  // the compiler vectorises; ICU takes over from the first byte beyond it.
   std::u16string out(utf8.size(), u'\0');
+  std::size_t ascii = 0;
+  constexpr std::size_t kBlock = 32;
+  while (ascii + kBlock <= utf8.size()) {
+    unsigned char any = 0;
+    for (std::size_t k = 0; k < kBlock; ++k) any |= static_cast<unsigned char>(utf8[ascii + k]);
+    if (any >= 0x80) break;
+    for (std::size_t k = 0; k < kBlock; ++k) out[ascii + k] = static_cast<unsigned char>(utf8[ascii + k]);
+    ascii += kBlock;
+  }
+  for (; ascii < utf8.size() && static_cast<unsigned char>(utf8[ascii]) < 0x80; ++ascii) {
+    out[ascii] = static_cast<unsigned char>(utf8[ascii]);
+  }
+  if (ascii == utf8.size()) return out;
   std::int32_t length = 0;
   UErrorCode status = U_ZERO_ERROR;
-  u_strFromUTF8WithSub(out.data(), static_cast<std::int32_t>(out.size()), &length, utf8.data(),
-                       static_cast<std::int32_t>(utf8.size()), lossy ? 0xFFFD : U_SENTINEL, nullptr,
-                       &status);
+  u_strFromUTF8WithSub(out.data() + ascii, static_cast<std::int32_t>(out.size() - ascii), &length,
+                       utf8.data() + ascii, static_cast<std::int32_t>(utf8.size() - ascii),
+                       lossy ? 0xFFFD : U_SENTINEL, nullptr, &status);
   if (U_FAILURE(status)) {
     if (valid) *valid = false;
     return {};
   }
-  out.resize(static_cast<std::size_t>(length));
+  out.resize(ascii + static_cast<std::size_t>(length));
   return out;
 }
 
@@ -36,9 +50,18 @@ std::string toUTF8(std::u16string_view utf16) {
   // ASCII is narrowed directly; ICU takes over from the first unit beyond it. Each other
   // unit becomes at most three bytes (a pair of units, four).
   std::string out(utf16.size(), '\0');
+  // Blocks of 32 units are checked and narrowed with loops the compiler vectorises; the
+  // rest, and a block holding anything beyond ASCII, go unit by unit.
   std::size_t ascii = 0;
-  for (; ascii < utf16.size() && utf16[ascii] < 0x80; ++ascii)
-    out[ascii] = static_cast<char>(utf16[ascii]);
+  constexpr std::size_t kBlock = 32;
+  while (ascii + kBlock <= utf16.size()) {
+    char16_t any = 0;
+    for (std::size_t k = 0; k < kBlock; ++k) any |= utf16[ascii + k];
+    if (any >= 0x80) break;
+    for (std::size_t k = 0; k < kBlock; ++k) out[ascii + k] = static_cast<char>(utf16[ascii + k]);
+    ascii += kBlock;
+  }
+  for (; ascii < utf16.size() && utf16[ascii] < 0x80; ++ascii) out[ascii] = static_cast<char>(utf16[ascii]);
   if (ascii == utf16.size()) return out;
   out.resize(ascii + (utf16.size() - ascii) * 3);
   std::int32_t length = 0;
