@@ -1,10 +1,16 @@
 #!/usr/bin/env bash
-# Runs the benchmarks of a build folder (default: build) and prints each of our cases
-# beside the tool or library a user would otherwise pick, with the ratio.
+# Runs every benchmark of a build folder (default: build): the format engine beside
+# snprintf, the per-call costs of the text, date and collection operations, and the
+# scripts that run the same job with the usual tool (sort -V, Python's urllib.parse, md5sum,
+# sha1sum, gzip, xxd, openssl) and print the ratios. CODEC_MIB sets the codec file size
+# (default 256).
 set -euo pipefail
 build=${1:-build}
+here=$(dirname "$0")
 out=$(mktemp)
 trap 'rm -f "$out"' EXIT
+
+echo "== format engine against snprintf"
 "$build/bench/format_bench" --benchmark_format=csv --benchmark_min_time=0.2 2>/dev/null >"$out"
 python3 - "$out" <<'PY'
 import csv, sys
@@ -21,3 +27,15 @@ for name, t in rows.items():
     if name.startswith("BM_String_UTF8RoundTrip"):
         print(f"{name:<34}{t:>10.1f} ns")
 PY
+
+for program in text_bench time_bench collections_bench; do
+  echo "== $program"
+  "$build/bench/$program" --benchmark_min_time=0.2 2>/dev/null | grep -E '^(BM_|cold)'
+done
+
+echo "== sequence sort against sort -V"
+python3 "$here/text_compare.py" "$build"
+echo "== query parsing and building against Python"
+python3 "$here/net_compare.py" "$build"
+echo "== codecs against the command-line tools"
+python3 "$here/codec_compare.py" "$build" "${CODEC_MIB:-256}"
