@@ -26,7 +26,8 @@ std::u16string fromUTF8(std::string_view utf8, bool lossy, bool* valid) {
     unsigned char any = 0;
     for (std::size_t k = 0; k < kBlock; ++k) any |= static_cast<unsigned char>(utf8[ascii + k]);
     if (any >= 0x80) break;
-    for (std::size_t k = 0; k < kBlock; ++k) out[ascii + k] = static_cast<unsigned char>(utf8[ascii + k]);
+    for (std::size_t k = 0; k < kBlock; ++k)
+      out[ascii + k] = static_cast<unsigned char>(utf8[ascii + k]);
     ascii += kBlock;
   }
   for (; ascii < utf8.size() && static_cast<unsigned char>(utf8[ascii]) < 0x80; ++ascii) {
@@ -61,7 +62,8 @@ std::string toUTF8(std::u16string_view utf16) {
     for (std::size_t k = 0; k < kBlock; ++k) out[ascii + k] = static_cast<char>(utf16[ascii + k]);
     ascii += kBlock;
   }
-  for (; ascii < utf16.size() && utf16[ascii] < 0x80; ++ascii) out[ascii] = static_cast<char>(utf16[ascii]);
+  for (; ascii < utf16.size() && utf16[ascii] < 0x80; ++ascii)
+    out[ascii] = static_cast<char>(utf16[ascii]);
   if (ascii == utf16.size()) return out;
   out.resize(ascii + (utf16.size() - ascii) * 3);
   std::int32_t length = 0;
