@@ -23,11 +23,15 @@ struct UniqueStorage {
       values.push_back(v);
     }
   }
-  // Keeps the members for which keep() holds, in order, and rebuilds the index.
+  // Indexes the members afresh, after positions changed.
+  void reindex() {
+    index.rebuild(values.size(), [this](std::size_t p) -> const Value& { return values[p]; });
+  }
+  // Keeps the members for which keep() holds, in order.
   template <class Keep>
   void retain(Keep keep) {
     std::erase_if(values, [&](const Value& v) { return !keep(v); });
-    index.rebuild(values.size(), [this](std::size_t p) -> const Value& { return values[p]; });
+    reindex();
   }
 };
 
@@ -97,7 +101,7 @@ void UniqueCollection::removeObject(const Value& object) {
   auto& s = mutableStorage();
   const std::size_t position = s.find(object);
   s.values.erase(s.values.begin() + static_cast<std::ptrdiff_t>(position));
-  s.retain([](const Value&) { return true; });
+  s.reindex();
 }
 
 void UniqueCollection::removeAllObjects() {
@@ -215,7 +219,7 @@ void OrderedSet::insertObject(const Value& object, UInteger index) {
   if (containsObject(object)) return;
   auto& s = mutableStorage();
   s.values.insert(s.values.begin() + static_cast<std::ptrdiff_t>(index), object);
-  s.retain([](const Value&) { return true; });
+  s.reindex();
 }
 
 void OrderedSet::removeObjectAtIndex(UInteger index) {
