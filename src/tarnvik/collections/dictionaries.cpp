@@ -54,7 +54,7 @@ String urlEncodedParameters(const Dictionary& dictionary) {
       raiseInvalidArgumentFormat(
           u"-[%@ stringByAddingPercentEncodingWithAllowedCharacters:]: unrecognized "
           u"selector sent to instance %p",
-          value.className(), value.storage().get());
+          value.className(), value.identity());
     }
     // The key's escaping works in ASCII: a key beyond ASCII has no escaped form (nil).
     const String keyText = key.description();

@@ -34,7 +34,7 @@ String encodedValue(const Value& value) {
   if (!value.isString()) {
     raiseInvalidArgumentFormat(u"-[%@ URLEncodedString]: unrecognized selector sent to instance %p",
                                value.isNil() ? String(u"nil") : value.className(),
-                               value.storage().get());
+                               value.identity());
   }
   return URLEncodedString(value.asString());
 }

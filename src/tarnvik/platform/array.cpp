@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "tarnvik/platform/error.hpp"
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/internal/message.hpp"
 
 namespace tarnvik {
 
@@ -16,27 +16,26 @@ const std::vector<Value>& emptyValues() {
 
 [[noreturn]] void raiseIndex(const char* operation, UInteger index, UInteger count) {
   if (count == 0) {
-    throw Exception(
-        NSRangeException,
-        stringWithFormat(u"*** %s: index %lu beyond bounds for empty array", operation, index));
+    throw Exception(NSRangeException, message::build("*** ", operation, ": index ", index,
+                                                     " beyond bounds for empty array"));
   }
-  throw Exception(NSRangeException, stringWithFormat(u"*** %s: index %lu beyond bounds [0 .. %lu]",
-                                                     operation, index, count - 1));
+  throw Exception(NSRangeException, message::build("*** ", operation, ": index ", index,
+                                                   " beyond bounds [0 .. ", count - 1, "]"));
 }
 
 void requireObject(const Value& object, const char* operation) {
   if (object.isNil()) {
     throw Exception(NSInvalidArgumentException,
-                    stringWithFormat(u"*** %s: object cannot be nil", operation));
+                    message::build("*** ", operation, ": object cannot be nil"));
   }
 }
 
 void requireRange(Range range, UInteger count, const char* operation) {
-  if (range.location > count || range.length > count - range.location) {
+  if (!rangeFitsInLength(range, count)) {
     throw Exception(
         NSRangeException,
-        stringWithFormat(u"*** %s: range {%lu, %lu} extends beyond bounds [0 .. %lu]", operation,
-                         range.location, range.length, count == 0 ? 0 : count - 1));
+        message::build("*** ", operation, ": range {", range.location, ", ", range.length,
+                       "} extends beyond bounds [0 .. ", count == 0 ? 0 : count - 1, "]"));
   }
 }
 
@@ -63,12 +62,6 @@ Array Array::arrayWithCapacity(UInteger capacity) {
   Array a;
   a.storage_ = std::make_shared<std::vector<Value>>();
   a.storage_->reserve(capacity);
-  return a;
-}
-
-Array Array::fromStorage(const std::shared_ptr<void>& storage) {
-  Array a;
-  a.storage_ = std::static_pointer_cast<std::vector<Value>>(storage);
   return a;
 }
 

@@ -25,8 +25,6 @@ class Array {
   explicit Array(std::vector<Value> values);
   static Array array();
   static Array arrayWithCapacity(UInteger capacity);
-  static Array fromStorage(const std::shared_ptr<void>& storage);
-  const std::shared_ptr<std::vector<Value>>& storage() const { return storage_; }
 
   bool isNil() const { return !storage_; }
   UInteger count() const { return storage_ ? storage_->size() : 0; }
@@ -82,6 +80,8 @@ class Array {
   friend bool operator==(const Array& a, const Array& b) { return a.isEqualToArray(b); }
 
  private:
+  friend class Value;
+  explicit Array(std::shared_ptr<std::vector<Value>> storage) : storage_(std::move(storage)) {}
   std::vector<Value>& mutableValues();
   std::shared_ptr<std::vector<Value>> storage_;
 };

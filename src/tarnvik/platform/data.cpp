@@ -11,8 +11,8 @@
 #include <functional>
 
 #include "tarnvik/platform/error.hpp"
-#include "tarnvik/platform/format.hpp"
 #include "tarnvik/platform/internal/file_errors.hpp"
+#include "tarnvik/platform/internal/message.hpp"
 
 namespace tarnvik {
 
@@ -29,10 +29,10 @@ std::shared_ptr<DataStorage> bufferStorage(ByteBuffer bytes) {
 }
 
 void requireRange(Range range, UInteger length, const char* operation) {
-  if (range.location > length || range.length > length - range.location) {
+  if (!rangeFitsInLength(range, length)) {
     throw Exception(NSRangeException,
-                    stringWithFormat(u"*** %s: range {%lu, %lu} exceeds data length %lu", operation,
-                                     range.location, range.length, length));
+                    message::build("*** ", operation, ": range {", range.location, ", ",
+                                   range.length, "} exceeds data length ", length));
   }
 }
 
@@ -172,10 +172,6 @@ bool Data::writeToFile(const String& path, bool atomically, Error* error) const 
     return fail(e);
   }
   return true;
-}
-
-Data Data::fromStorage(const std::shared_ptr<void>& storage) {
-  return Data(std::static_pointer_cast<DataStorage>(storage));
 }
 
 const std::uint8_t* Data::bytes() const {

@@ -80,8 +80,6 @@ class Data {
   // 257: no permission, 256: other) whose underlying error is the POSIX one.
   static Data dataWithContentsOfFile(const String& path, UInteger options = 0,
                                      Error* error = nullptr);
-  static Data fromStorage(const std::shared_ptr<void>& storage);
-  const std::shared_ptr<DataStorage>& storage() const { return storage_; }
 
   bool isNil() const { return !storage_; }
   UInteger length() const { return storage_ ? storage_->length : 0; }
@@ -119,6 +117,7 @@ class Data {
   friend bool operator==(const Data& a, const Data& b) { return a.isEqualToData(b); }
 
  private:
+  friend class Value;
   explicit Data(std::shared_ptr<DataStorage> storage) : storage_(std::move(storage)) {}
   ByteBuffer& detach();
   void syncWithBuffer();

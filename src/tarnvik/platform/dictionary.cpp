@@ -1,7 +1,7 @@
 #include "tarnvik/platform/dictionary.hpp"
 
 #include "tarnvik/platform/error.hpp"
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/internal/message.hpp"
 #include "tarnvik/platform/internal/value_index.hpp"
 
 namespace tarnvik {
@@ -29,11 +29,12 @@ const std::vector<Dictionary::Entry>& emptyEntries() {
 void requireKeyAndObject(const Value& object, const Value& key, const char* operation) {
   if (key.isNil()) {
     throw Exception(NSInvalidArgumentException,
-                    stringWithFormat(u"*** %s: key cannot be nil", operation));
+                    message::build("*** ", operation, ": key cannot be nil"));
   }
   if (object.isNil()) {
-    throw Exception(NSInvalidArgumentException,
-                    stringWithFormat(u"*** %s: object cannot be nil (key: %@)", operation, key));
+    throw Exception(
+        NSInvalidArgumentException,
+        message::build("*** ", operation, ": object cannot be nil (key: ", key.description(), ")"));
   }
 }
 
@@ -51,12 +52,6 @@ Dictionary Dictionary::dictionaryWithCapacity(UInteger capacity) {
   d.storage_ = std::make_shared<DictionaryStorage>();
   d.storage_->entries.reserve(capacity);
   d.storage_->index.reserve(capacity);
-  return d;
-}
-
-Dictionary Dictionary::fromStorage(const std::shared_ptr<void>& storage) {
-  Dictionary d;
-  d.storage_ = std::static_pointer_cast<DictionaryStorage>(storage);
   return d;
 }
 

@@ -27,8 +27,6 @@ class Dictionary {
   Dictionary(std::initializer_list<Entry> entries);
   static Dictionary dictionary();
   static Dictionary dictionaryWithCapacity(UInteger capacity);
-  static Dictionary fromStorage(const std::shared_ptr<void>& storage);
-  const std::shared_ptr<DictionaryStorage>& storage() const { return storage_; }
 
   bool isNil() const { return !storage_; }
   UInteger count() const;
@@ -64,6 +62,8 @@ class Dictionary {
   }
 
  private:
+  friend class Value;
+  explicit Dictionary(std::shared_ptr<DictionaryStorage> storage) : storage_(std::move(storage)) {}
   DictionaryStorage& mutableStorage();
   std::shared_ptr<DictionaryStorage> storage_;
 };

@@ -1,6 +1,6 @@
 #include "tarnvik/platform/error.hpp"
 
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/internal/message.hpp"
 
 namespace tarnvik {
 
@@ -19,12 +19,6 @@ Error::Error(const String& className, const String& domain, Integer code,
     : storage_(std::make_shared<ErrorStorage>(ErrorStorage{
           className, domain, code, userInfo.isNil() ? Dictionary::dictionary() : userInfo})) {}
 
-Error Error::fromStorage(const std::shared_ptr<void>& storage) {
-  Error e;
-  e.storage_ = std::static_pointer_cast<ErrorStorage>(storage);
-  return e;
-}
-
 String Error::domain() const { return storage_ ? storage_->domain : String(); }
 Integer Error::code() const { return storage_ ? storage_->code : 0; }
 Dictionary Error::userInfo() const { return storage_ ? storage_->userInfo : Dictionary(); }
@@ -40,10 +34,9 @@ String Error::localizedDescription() const {
   const String description = storage_->userInfo.objectForKey(NSLocalizedDescriptionKey).asString();
   if (!description.isNil()) return description;
   const String reason = localizedFailureReason();
-  if (!reason.isNil())
-    return stringWithFormat(u"The operation couldn\u2019t be completed. %@", reason);
-  return stringWithFormat(u"The operation couldn\u2019t be completed. (%@ error %ld.)", domain(),
-                          code());
+  if (!reason.isNil()) return message::build(u"The operation couldn\u2019t be completed. ", reason);
+  return message::build(u"The operation couldn\u2019t be completed. (", domain(), u" error ",
+                        code(), u".)");
 }
 
 String Error::localizedFailureReason() const {
@@ -56,15 +49,15 @@ Error Error::underlyingError() const {
 
 String Error::description() const {
   if (isNil()) return u"(null)";
-  String text = stringWithFormat(u"Error Domain=%@ Code=%ld \"%@\"", domain(), code(),
-                                 localizedDescription());
+  String text = message::build(u"Error Domain=", domain(), u" Code=", code(), u" \"",
+                               localizedDescription(), u"\"");
   if (!storage_->userInfo.isEmpty()) {
     text.appendString(u" UserInfo={");
     bool first = true;
     for (const auto& [key, value] : storage_->userInfo) {
       if (!first) text.appendString(u", ");
       first = false;
-      appendFormat(text, u"%@=%@", key, value);
+      text.appendString(message::build(key.description(), u"=", value.description()));
     }
     text.appendString(u"}");
   }

@@ -23,6 +23,8 @@ inline constexpr char16_t NSCocoaErrorDomain[] = u"NSCocoaErrorDomain";
 inline constexpr char16_t NSInvalidArgumentException[] = u"NSInvalidArgumentException";
 inline constexpr char16_t NSRangeException[] = u"NSRangeException";
 inline constexpr char16_t NSInternalInconsistencyException[] = u"NSInternalInconsistencyException";
+// Raised by key-value coding for a key a class does not know.
+inline constexpr char16_t NSUndefinedKeyException[] = u"NSUnknownKeyException";
 
 struct ErrorStorage;
 
@@ -33,8 +35,6 @@ class Error {
   Error() = default;
   // A nil user info is stored as an empty dictionary.
   Error(const String& domain, Integer code, const Dictionary& userInfo = Dictionary());
-  static Error fromStorage(const std::shared_ptr<void>& storage);
-  const std::shared_ptr<ErrorStorage>& storage() const { return storage_; }
 
   bool isNil() const { return !storage_; }
   String domain() const;
@@ -62,6 +62,8 @@ class Error {
   Error(const String& className, const String& domain, Integer code, const Dictionary& userInfo);
 
  private:
+  friend class Value;
+  explicit Error(std::shared_ptr<ErrorStorage> storage) : storage_(std::move(storage)) {}
   std::shared_ptr<ErrorStorage> storage_;
 };
 

@@ -230,7 +230,7 @@ const void* FormatArgument::asPointer() const {
     case Kind::Pointer:
       return p_;
     case Kind::Object:
-      return value_.storage().get();
+      return value_.identity();
     default:
       return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(asSigned()));
   }

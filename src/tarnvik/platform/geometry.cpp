@@ -1,6 +1,5 @@
 #include "tarnvik/platform/geometry.hpp"
 
-#include "tarnvik/platform/format.hpp"
 #include "tarnvik/platform/internal/describe.hpp"
 #include "tarnvik/platform/internal/unicode.hpp"
 
@@ -9,7 +8,7 @@ namespace tarnvik {
 namespace {
 
 String pair(double a, double b) {
-  return stringWithFormat(u"{%s, %s}", describe::shortestDouble(a), describe::shortestDouble(b));
+  return String("{" + describe::shortestDouble(a) + ", " + describe::shortestDouble(b) + "}");
 }
 
 // The first two numbers, each found by skipping to the next sign, digit or point.

@@ -1,19 +1,20 @@
 #include "tarnvik/platform/key_value_coding.hpp"
 
 #include "tarnvik/platform/error.hpp"
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/internal/message.hpp"
 #include "tarnvik/platform/set.hpp"
-#include "tarnvik/platform/url.hpp"
 
 namespace tarnvik {
 
 namespace {
 
 [[noreturn]] void raiseUndefinedKey(const Value& target, const String& key) {
-  throw Exception(NSUndefinedKeyException,
-                  stringWithFormat(u"[<%@ %p> valueForUndefinedKey:]: this class is not key value "
-                                   u"coding-compliant for the key %@.",
-                                   target.className(), target.storage().get(), key));
+  throw Exception(
+      NSUndefinedKeyException,
+      message::build(u"[<", target.className(), u" ", message::Pointer{target.identity()},
+                     u"> valueForUndefinedKey:]: this class is not key value "
+                     u"coding-compliant for the key ",
+                     key, u"."));
 }
 
 // The readings every value of a kind offers without registration.
@@ -89,8 +90,9 @@ Value performSelector(const Value& target, const String& name) {
   const auto method = methodNamed(target, name);
   if (!method) {
     throw Exception(NSInvalidArgumentException,
-                    stringWithFormat(u"-[%@ %@]: unrecognized selector sent to instance %p",
-                                     target.className(), name, target.storage().get()));
+                    message::build(u"-[", target.className(), u" ", name,
+                                   u"]: unrecognized selector sent to instance ",
+                                   message::Pointer{target.identity()}));
   }
   return method->invoke();
 }
@@ -145,17 +147,19 @@ void setValueForKey(const Value& object, const Value& value, const String& key) 
     if (object.isNil()) return;
     throw Exception(
         NSUndefinedKeyException,
-        stringWithFormat(u"[<%@ %p> setValue:forUndefinedKey:]: this class is not key value "
-                         u"coding-compliant for the key %@.",
-                         object.className(), object.storage().get(), key));
+        message::build(u"[<", object.className(), u" ", message::Pointer{object.identity()},
+                       u"> setValue:forUndefinedKey:]: this class is not key value "
+                       u"coding-compliant for the key ",
+                       key, u"."));
   }
   const PropertyInfo* property = target->classInfo().property(key);
   if (!property || !property->setter) {
     throw Exception(
         NSUndefinedKeyException,
-        stringWithFormat(u"[<%@ %p> setValue:forUndefinedKey:]: this class is not key value "
-                         u"coding-compliant for the key %@.",
-                         object.className(), object.storage().get(), key));
+        message::build(u"[<", object.className(), u" ", message::Pointer{object.identity()},
+                       u"> setValue:forUndefinedKey:]: this class is not key value "
+                       u"coding-compliant for the key ",
+                       key, u"."));
   }
   property->setter(*target, value);
 }

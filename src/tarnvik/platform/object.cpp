@@ -3,7 +3,7 @@
 #include <functional>
 #include <mutex>
 
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/internal/message.hpp"
 
 namespace tarnvik {
 
@@ -86,7 +86,7 @@ const ClassInfo& Object::staticClassInfo() {
 std::size_t Object::hash() const { return std::hash<const void*>{}(this); }
 
 String Object::description() const {
-  return stringWithFormat(u"<%@: %p>", className(), static_cast<const void*>(this));
+  return message::build(u"<", className(), u": ", message::Pointer{this}, u">");
 }
 
 }  // namespace tarnvik

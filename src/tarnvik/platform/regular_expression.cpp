@@ -6,6 +6,7 @@
 
 #include "tarnvik/platform/format.hpp"
 #include "tarnvik/platform/internal/icu_text.hpp"
+#include "tarnvik/platform/internal/ranges.hpp"
 
 namespace tarnvik {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "tarnvik/platform/error.hpp"
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/internal/message.hpp"
 #include "tarnvik/platform/internal/value_index.hpp"
 
 namespace tarnvik {
@@ -50,9 +50,6 @@ UniqueCollection::UniqueCollection(std::initializer_list<Value> values)
     : storage_(std::make_shared<UniqueStorage>()) {
   for (const Value& v : values) addObject(v);
 }
-
-UniqueCollection::UniqueCollection(const std::shared_ptr<void>& storage)
-    : storage_(std::static_pointer_cast<UniqueStorage>(storage)) {}
 
 UInteger UniqueCollection::count() const { return storage_ ? storage_->values.size() : 0; }
 
@@ -180,10 +177,9 @@ OrderedSet OrderedSet::orderedSetWithArray(const Array& array) {
 
 const Value& OrderedSet::objectAtIndex(UInteger index) const {
   if (index >= count()) {
-    throw Exception(NSRangeException,
-                    stringWithFormat(u"*** -[NSOrderedSet objectAtIndex:]: index %lu beyond "
-                                     u"bounds [0 .. %ld]",
-                                     index, static_cast<Integer>(count()) - 1));
+    throw Exception(NSRangeException, message::build("*** -[NSOrderedSet objectAtIndex:]: index ",
+                                                     index, " beyond bounds [0 .. ",
+                                                     static_cast<Integer>(count()) - 1, "]"));
   }
   return storage_->values[index];
 }
@@ -208,9 +204,8 @@ OrderedSet OrderedSet::copy() const { return OrderedSet(copyStorage()); }
 void OrderedSet::insertObject(const Value& object, UInteger index) {
   if (index > count()) {
     throw Exception(NSRangeException,
-                    stringWithFormat(u"*** -[NSMutableOrderedSet insertObject:atIndex:]: index "
-                                     u"%lu beyond bounds [0 .. %lu]",
-                                     index, count()));
+                    message::build("*** -[NSMutableOrderedSet insertObject:atIndex:]: index ",
+                                   index, " beyond bounds [0 .. ", count(), "]"));
   }
   if (object.isNil()) {
     throw Exception(NSInvalidArgumentException,

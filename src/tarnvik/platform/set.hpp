@@ -31,7 +31,6 @@ class UniqueCollection {
   Array allObjects() const { return Array(values()); }
   Value anyObject() const;
   std::size_t hash() const;
-  const std::shared_ptr<UniqueStorage>& storage() const { return storage_; }
 
   // Adding nil raises NSInvalidArgumentException; adding a present member changes nothing.
   void addObject(const Value& object);
@@ -42,7 +41,8 @@ class UniqueCollection {
   UniqueCollection() = default;
   explicit UniqueCollection(bool empty);
   UniqueCollection(std::initializer_list<Value> values);
-  explicit UniqueCollection(const std::shared_ptr<void>& storage);
+  explicit UniqueCollection(std::shared_ptr<UniqueStorage> storage)
+      : storage_(std::move(storage)) {}
   UniqueStorage& mutableStorage();
   bool hasSameMembers(const UniqueCollection& other) const;
   void unionWith(const UniqueCollection& other);
@@ -60,7 +60,6 @@ class Set : public UniqueCollection {
   static Set set() { return Set(true); }
   static Set setWithCapacity(UInteger capacity);
   static Set setWithArray(const Array& array);
-  static Set fromStorage(const std::shared_ptr<void>& storage) { return Set(storage); }
 
   bool isEqualToSet(const Set& other) const { return hasSameMembers(other); }
   bool isSubsetOfSet(const Set& other) const;
@@ -77,7 +76,8 @@ class Set : public UniqueCollection {
 
  private:
   explicit Set(bool empty) : UniqueCollection(empty) {}
-  explicit Set(const std::shared_ptr<void>& storage) : UniqueCollection(storage) {}
+  friend class Value;
+  explicit Set(std::shared_ptr<UniqueStorage> storage) : UniqueCollection(std::move(storage)) {}
   explicit Set(UniqueCollection&& base) : UniqueCollection(std::move(base)) {}
 };
 
@@ -89,9 +89,6 @@ class OrderedSet : public UniqueCollection {
   static OrderedSet orderedSet() { return OrderedSet(true); }
   static OrderedSet orderedSetWithCapacity(UInteger capacity);
   static OrderedSet orderedSetWithArray(const Array& array);
-  static OrderedSet fromStorage(const std::shared_ptr<void>& storage) {
-    return OrderedSet(storage);
-  }
 
   // NSRangeException when the index is outside the set.
   const Value& objectAtIndex(UInteger index) const;
@@ -121,7 +118,9 @@ class OrderedSet : public UniqueCollection {
 
  private:
   explicit OrderedSet(bool empty) : UniqueCollection(empty) {}
-  explicit OrderedSet(const std::shared_ptr<void>& storage) : UniqueCollection(storage) {}
+  friend class Value;
+  explicit OrderedSet(std::shared_ptr<UniqueStorage> storage)
+      : UniqueCollection(std::move(storage)) {}
   explicit OrderedSet(UniqueCollection&& base) : UniqueCollection(std::move(base)) {}
 };
 

@@ -8,7 +8,8 @@
 
 #include "tarnvik/platform/character_set.hpp"
 #include "tarnvik/platform/error.hpp"
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/internal/message.hpp"
+#include "tarnvik/platform/internal/ranges.hpp"
 #include "tarnvik/platform/internal/unicode.hpp"
 
 namespace tarnvik {
@@ -44,10 +45,10 @@ bool unitsMatch(std::u16string_view text, std::size_t at, std::u16string_view ta
 }  // namespace
 
 void checkRangeInLength(Range range, UInteger length, const char* operation) {
-  if (range.location > length || range.length > length - range.location) {
+  if (!rangeFitsInLength(range, length)) {
     throw Exception(NSRangeException,
-                    stringWithFormat(u"%s: Range {%lu, %lu} out of bounds; string length %lu",
-                                     operation, range.location, range.length, length));
+                    message::build(operation, ": Range {", range.location, ", ", range.length,
+                                   "} out of bounds; string length ", length));
   }
 }
 
@@ -81,10 +82,8 @@ String String::withCodePoint(char32_t codePoint) {
 
 char16_t String::characterAtIndex(UInteger index) const {
   if (index >= length()) {
-    throw Exception(NSRangeException,
-                    stringWithFormat(u"-[NSString characterAtIndex:]: Index %lu out of bounds; "
-                                     u"string length %lu",
-                                     index, length()));
+    throw Exception(NSRangeException, message::build("-[NSString characterAtIndex:]: Index ", index,
+                                                     " out of bounds; string length ", length()));
   }
   return (*storage_)[index];
 }

@@ -46,12 +46,6 @@ class String {
   static String fromUTF8Lossy(std::string_view utf8);
   static String withCharacters(const char16_t* units, UInteger length);
   static String withCodePoint(char32_t codePoint);
-  static String fromStorage(const std::shared_ptr<void>& storage) {
-    String s;
-    s.storage_ = std::static_pointer_cast<std::u16string>(storage);
-    return s;
-  }
-  const std::shared_ptr<std::u16string>& storage() const { return storage_; }
 
   bool isNil() const { return !storage_; }
   bool isEmpty() const { return length() == 0; }
@@ -187,6 +181,8 @@ class String {
   friend bool operator==(const String& a, const String& b) { return a.isEqualToString(b); }
 
  private:
+  friend class Value;
+  explicit String(std::shared_ptr<std::u16string> storage) : storage_(std::move(storage)) {}
   std::u16string& mutableUnits();
   std::shared_ptr<std::u16string> storage_;
 };
@@ -196,15 +192,9 @@ using MutableString = String;
 // Writes the text as UTF-8.
 std::ostream& operator<<(std::ostream& out, const String& text);
 
-// Raises NSRangeException when the range does not lie within a text of the given length.
-void checkRangeInLength(Range range, UInteger length, const char* operation);
-
 }  // namespace tarnvik
 
 template <>
 struct std::hash<tarnvik::String> {
   std::size_t operator()(const tarnvik::String& s) const { return s.hash(); }
 };
-
-// Split, join and the other operations that answer collections need the collection types.
-#include "tarnvik/platform/array.hpp"  // IWYU pragma: export

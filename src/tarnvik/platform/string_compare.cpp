@@ -20,6 +20,7 @@
 
 #include <algorithm>
 
+#include "tarnvik/platform/internal/ranges.hpp"
 #include "tarnvik/platform/string.hpp"
 
 namespace tarnvik {

@@ -6,6 +6,7 @@
 
 #include <vector>
 
+#include "tarnvik/platform/array.hpp"
 #include "tarnvik/platform/string.hpp"
 
 namespace tarnvik {

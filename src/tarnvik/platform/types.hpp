@@ -24,6 +24,18 @@ struct Range {
 };
 constexpr Range MakeRange(UInteger location, UInteger length) { return {location, length}; }
 constexpr UInteger NSMaxRange(Range range) { return range.location + range.length; }
+// Whether the range lies within [0, length), without overflow for any location or length.
+constexpr bool rangeFitsInLength(Range range, UInteger length) {
+  return range.location <= length && range.length <= length - range.location;
+}
+
+// The value of a hexadecimal digit (0-9, a-f, A-F) in any character type; -1 for others.
+constexpr int hexDigitValue(char32_t c) {
+  if (c >= U'0' && c <= U'9') return static_cast<int>(c - U'0');
+  if (c >= U'a' && c <= U'f') return static_cast<int>(c - U'a' + 10);
+  if (c >= U'A' && c <= U'F') return static_cast<int>(c - U'A' + 10);
+  return -1;
+}
 
 enum ComparisonResult : Integer {
   NSOrderedAscending = -1,

@@ -11,13 +11,11 @@
 
 #include "tarnvik/platform/character_set.hpp"
 #include "tarnvik/platform/data.hpp"
+#include "tarnvik/platform/error.hpp"
 #include "tarnvik/platform/string.hpp"
 #include "tarnvik/platform/value.hpp"
 
 namespace tarnvik {
-
-// The exception key-value coding raises for a key a class does not have.
-inline constexpr char16_t NSUndefinedKeyException[] = u"NSUnknownKeyException";
 
 // A default-constructed URL is nil.
 class URL {

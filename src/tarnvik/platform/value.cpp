@@ -8,8 +8,8 @@
 
 #include "tarnvik/platform/data.hpp"
 #include "tarnvik/platform/error.hpp"
-#include "tarnvik/platform/format.hpp"
 #include "tarnvik/platform/internal/describe.hpp"
+#include "tarnvik/platform/internal/message.hpp"
 #include "tarnvik/platform/object.hpp"
 #include "tarnvik/platform/set.hpp"
 
@@ -65,18 +65,31 @@ struct NumberView {
 };
 
 struct ValueAccess {
-  // Reads only the union member that the kind says is active.
+  using Kind = Value::Kind;
+  // Only called for numbers.
   static NumberView number(const Value& v) {
-    switch (v.kind_) {
-      case Value::Kind::Bool:
-        return {NumberView::Signed, v.scalar_.b ? 1 : 0};
-      case Value::Kind::Int:
-        return {NumberView::Signed, v.scalar_.i};
-      case Value::Kind::UInt:
-        return {NumberView::Unsigned, 0, v.scalar_.u};
+    switch (v.kind()) {
+      case Kind::Bool:
+        return {NumberView::Signed, *v.get<Kind::Bool>() ? 1 : 0};
+      case Kind::Int:
+        return {NumberView::Signed, *v.get<Kind::Int>()};
+      case Kind::UInt:
+        return {NumberView::Unsigned, 0, *v.get<Kind::UInt>()};
       default:
-        return {NumberView::Floating, 0, 0, v.scalar_.d};
+        return {NumberView::Floating, 0, 0, *v.get<Kind::Double>()};
     }
+  }
+  // The shared storage of a handle or object kind, or null.
+  static const void* identity(const Value& v) {
+    return std::visit(
+        [](const auto& held) -> const void* {
+          if constexpr (requires { held.get(); }) {
+            return held.get();
+          } else {
+            return nullptr;
+          }
+        },
+        v.storage_);
   }
 };
 
@@ -117,61 +130,65 @@ static std::size_t hashNumber(const NumberView& n) {
 
 Value::Value(const char* utf8) : Value(String(utf8)) {}
 Value::Value(const char16_t* utf16) : Value(String(utf16)) {}
-Value::Value(const String& s) {
-  if (s.isNil()) return;
-  kind_ = Kind::String;
-  ref_ = s.storage();
-}
-Value::Value(const Data& d) {
-  if (!d.isNil()) *this = Value(Kind::Data, d.storage());
-}
-Value::Value(const Array& a) {
-  if (!a.isNil()) *this = Value(Kind::Array, a.storage());
-}
-Value::Value(const Dictionary& d) {
-  if (!d.isNil()) *this = Value(Kind::Dictionary, d.storage());
-}
-Value::Value(const Set& s) {
-  if (!s.isNil()) *this = Value(Kind::Set, s.storage());
-}
-Value::Value(const OrderedSet& s) {
-  if (!s.isNil()) *this = Value(Kind::OrderedSet, s.storage());
-}
-Value::Value(const Error& e) {
-  if (!e.isNil()) *this = Value(Kind::Error, e.storage());
-}
+Value::Value(const String& s) : Value(fromHandle<Kind::String>(s)) {}
+Value::Value(const Data& d) : Value(fromHandle<Kind::Data>(d)) {}
+Value::Value(const Array& a) : Value(fromHandle<Kind::Array>(a)) {}
+Value::Value(const Dictionary& d) : Value(fromHandle<Kind::Dictionary>(d)) {}
+Value::Value(const Set& s) : Value(fromHandle<Kind::Set>(s)) {}
+Value::Value(const OrderedSet& s) : Value(fromHandle<Kind::OrderedSet>(s)) {}
+Value::Value(const Error& e) : Value(fromHandle<Kind::Error>(e)) {}
 Value::Value(std::shared_ptr<Object> object) {
-  if (object) *this = Value(Kind::Object, std::move(object));
+  if (object) storage_.emplace<index(Kind::Object)>(std::move(object));
 }
 
 String Value::asString() const {
-  return kind_ == Kind::String ? String::fromStorage(ref_) : String();
+  const auto* held = get<Kind::String>();
+  return held ? String(*held) : String();
 }
-Data Value::asData() const { return kind_ == Kind::Data ? Data::fromStorage(ref_) : Data(); }
-Array Value::asArray() const { return kind_ == Kind::Array ? Array::fromStorage(ref_) : Array(); }
+Data Value::asData() const {
+  const auto* held = get<Kind::Data>();
+  return held ? Data(*held) : Data();
+}
+Array Value::asArray() const {
+  const auto* held = get<Kind::Array>();
+  return held ? Array(*held) : Array();
+}
 Dictionary Value::asDictionary() const {
-  return kind_ == Kind::Dictionary ? Dictionary::fromStorage(ref_) : Dictionary();
+  const auto* held = get<Kind::Dictionary>();
+  return held ? Dictionary(*held) : Dictionary();
 }
-Set Value::asSet() const { return kind_ == Kind::Set ? Set::fromStorage(ref_) : Set(); }
+Set Value::asSet() const {
+  const auto* held = get<Kind::Set>();
+  return held ? Set(*held) : Set();
+}
 OrderedSet Value::asOrderedSet() const {
-  return kind_ == Kind::OrderedSet ? OrderedSet::fromStorage(ref_) : OrderedSet();
+  const auto* held = get<Kind::OrderedSet>();
+  return held ? OrderedSet(*held) : OrderedSet();
 }
-Error Value::asError() const { return kind_ == Kind::Error ? Error::fromStorage(ref_) : Error(); }
+Error Value::asError() const {
+  const auto* held = get<Kind::Error>();
+  return held ? Error(*held) : Error();
+}
 std::shared_ptr<Object> Value::asObject() const {
-  return kind_ == Kind::Object ? std::static_pointer_cast<Object>(ref_) : nullptr;
+  const auto* held = get<Kind::Object>();
+  return held ? *held : nullptr;
 }
-Date Value::asDate() const { return kind_ == Kind::Date ? Date{scalar_.d} : Date{}; }
+Date Value::asDate() const {
+  const Date* held = get<Kind::Date>();
+  return held ? *held : Date{};
+}
+const void* Value::identity() const { return ValueAccess::identity(*this); }
 
 bool Value::boolValue() const {
-  switch (kind_) {
+  switch (kind()) {
     case Kind::Bool:
-      return scalar_.b;
+      return *get<Kind::Bool>();
     case Kind::Int:
-      return scalar_.i != 0;
+      return *get<Kind::Int>() != 0;
     case Kind::UInt:
-      return scalar_.u != 0;
+      return *get<Kind::UInt>() != 0;
     case Kind::Double:
-      return scalar_.d != 0;
+      return *get<Kind::Double>() != 0;
     case Kind::String:
       return asString().boolValue();
     default:
@@ -180,16 +197,17 @@ bool Value::boolValue() const {
 }
 
 Integer Value::integerValue() const {
-  switch (kind_) {
+  switch (kind()) {
     case Kind::Bool:
-      return scalar_.b ? 1 : 0;
+      return *get<Kind::Bool>() ? 1 : 0;
     case Kind::Int:
-      return scalar_.i;
-    case Kind::UInt:
-      return scalar_.u > static_cast<std::uint64_t>(INT64_MAX) ? INT64_MAX
-                                                               : static_cast<Integer>(scalar_.u);
+      return *get<Kind::Int>();
+    case Kind::UInt: {
+      const std::uint64_t u = *get<Kind::UInt>();
+      return u > static_cast<std::uint64_t>(INT64_MAX) ? INT64_MAX : static_cast<Integer>(u);
+    }
     case Kind::Double: {
-      const double d = scalar_.d;
+      const double d = *get<Kind::Double>();
       if (std::isnan(d)) return 0;
       if (d >= kTwo63) return INT64_MAX;
       if (d < -kTwo63) return INT64_MIN;
@@ -207,23 +225,24 @@ int Value::intValue() const {
   return static_cast<int>(std::clamp<Integer>(i, INT32_MIN, INT32_MAX));
 }
 UInteger Value::unsignedIntegerValue() const {
-  if (kind_ == Kind::UInt) return scalar_.u;
-  if (kind_ == Kind::Double && scalar_.d >= kTwo63) {
-    return scalar_.d >= kTwo64 ? UINT64_MAX : static_cast<UInteger>(scalar_.d);
+  if (const auto* u = get<Kind::UInt>()) return *u;
+  if (const double* d = get<Kind::Double>(); d && *d >= kTwo63) {
+    return *d >= kTwo64 ? UINT64_MAX : static_cast<UInteger>(*d);
   }
   return static_cast<UInteger>(integerValue());
 }
 double Value::doubleValue() const {
-  switch (kind_) {
+  switch (kind()) {
     case Kind::Bool:
-      return scalar_.b ? 1 : 0;
+      return *get<Kind::Bool>() ? 1 : 0;
     case Kind::Int:
-      return static_cast<double>(scalar_.i);
+      return static_cast<double>(*get<Kind::Int>());
     case Kind::UInt:
-      return static_cast<double>(scalar_.u);
+      return static_cast<double>(*get<Kind::UInt>());
     case Kind::Double:
+      return *get<Kind::Double>();
     case Kind::Date:
-      return scalar_.d;
+      return get<Kind::Date>()->timeIntervalSinceReferenceDate;
     case Kind::String:
       return asString().doubleValue();
     default:
@@ -232,19 +251,33 @@ double Value::doubleValue() const {
 }
 
 bool Value::isEqual(const Value& other) const {
-  if (isNumber() && other.isNumber()) {
-    return compareNumbers(ValueAccess::number(*this), ValueAccess::number(other)) == 0;
+  const Kind own = kind();
+  if (own != other.kind()) {
+    return isNumber() && other.isNumber() &&
+           compareNumbers(ValueAccess::number(*this), ValueAccess::number(other)) == 0;
   }
-  if (kind_ != other.kind_) return false;
-  if (ref_ && ref_ == other.ref_) return true;
-  switch (kind_) {
+  switch (own) {
     case Kind::Nil:
     case Kind::Null:
       return true;
+    case Kind::Bool:
+      return *get<Kind::Bool>() == *other.get<Kind::Bool>();
+    case Kind::Int:
+      return *get<Kind::Int>() == *other.get<Kind::Int>();
+    case Kind::UInt:
+      return *get<Kind::UInt>() == *other.get<Kind::UInt>();
+    case Kind::Double:
+      return compareNumbers(ValueAccess::number(*this), ValueAccess::number(other)) == 0;
+    default:
+      break;
+  }
+  if (const void* shared = identity(); shared && shared == other.identity()) return true;
+  switch (own) {
     case Kind::Date:
-      return scalar_.d == other.scalar_.d;
+      return asDate().timeIntervalSinceReferenceDate ==
+             other.asDate().timeIntervalSinceReferenceDate;
     case Kind::String:
-      return asString().isEqualToString(other.asString());
+      return **get<Kind::String>() == **other.get<Kind::String>();
     case Kind::Data:
       return asData().isEqualToData(other.asData());
     case Kind::Array:
@@ -265,20 +298,21 @@ bool Value::isEqual(const Value& other) const {
 }
 
 std::size_t Value::hash() const {
-  switch (kind_) {
+  switch (kind()) {
     case Kind::Nil:
       return 0;
     case Kind::Null:
       return 0x6e756c6c;
-    case Kind::Bool:
     case Kind::Int:
+      return mix(static_cast<std::uint64_t>(*get<Kind::Int>()));
+    case Kind::Bool:
     case Kind::UInt:
     case Kind::Double:
       return hashNumber(ValueAccess::number(*this));
     case Kind::Date:
-      return mix(std::bit_cast<std::uint64_t>(scalar_.d)) ^ 0xda7e;
+      return mix(std::bit_cast<std::uint64_t>(asDate().timeIntervalSinceReferenceDate)) ^ 0xda7e;
     case Kind::String:
-      return asString().hash();
+      return std::hash<std::u16string_view>{}(**get<Kind::String>());
     case Kind::Data:
       return asData().hash();
     case Kind::Array:
@@ -298,31 +332,32 @@ std::size_t Value::hash() const {
 }
 
 bool Value::isIdenticalTo(const Value& other) const {
-  if (kind_ != other.kind_) return false;
-  if (ref_ || other.ref_) return ref_ == other.ref_;
-  switch (kind_) {
-    case Kind::Bool:
-      return scalar_.b == other.scalar_.b;
-    case Kind::Nil:
-    case Kind::Null:
-      return true;
-    default:
-      return scalar_.u == other.scalar_.u;
+  if (kind() != other.kind()) return false;
+  if (const double* d = get<Kind::Double>()) {
+    return std::bit_cast<std::uint64_t>(*d) ==
+           std::bit_cast<std::uint64_t>(*other.get<Kind::Double>());
   }
+  if (const Date* d = get<Kind::Date>()) {
+    return std::bit_cast<std::uint64_t>(d->timeIntervalSinceReferenceDate) ==
+           std::bit_cast<std::uint64_t>(other.get<Kind::Date>()->timeIntervalSinceReferenceDate);
+  }
+  // Handles compare their storage pointers, the other scalars their values.
+  return storage_ == other.storage_;
 }
 
 ComparisonResult Value::compare(const Value& other) const {
   int c = 0;
   if (isNumber() && other.isNumber()) {
     c = compareNumbers(ValueAccess::number(*this), ValueAccess::number(other));
-  } else if (kind_ == Kind::String && other.kind_ == Kind::String) {
+  } else if (isString() && other.isString()) {
     return asString().compare(other.asString());
-  } else if (kind_ == Kind::Date && other.kind_ == Kind::Date) {
-    c = sign(scalar_.d, other.scalar_.d);
+  } else if (kind() == Kind::Date && other.kind() == Kind::Date) {
+    c = sign(asDate().timeIntervalSinceReferenceDate,
+             other.asDate().timeIntervalSinceReferenceDate);
   } else {
     throw Exception(NSInvalidArgumentException,
-                    stringWithFormat(u"-[%@ compare:]: cannot compare with %@", className(),
-                                     other.isNil() ? String(u"nil") : other.className()));
+                    message::build(u"-[", className(), u" compare:]: cannot compare with ",
+                                   other.isNil() ? String(u"nil") : other.className()));
   }
   return static_cast<ComparisonResult>(c);
 }
@@ -330,7 +365,7 @@ ComparisonResult Value::compare(const Value& other) const {
 String Value::description() const { return describe::describe(*this, 0, false); }
 
 String Value::className() const {
-  switch (kind_) {
+  switch (kind()) {
     case Kind::Nil:
       return String();
     case Kind::Null:
@@ -364,8 +399,8 @@ String Value::className() const {
 
 bool Value::isKindOfClass(const String& name) const {
   if (isNil()) return false;
-  if (kind_ == Kind::Error) return asError().isKindOfClass(name);
-  if (kind_ == Kind::Object) return asObject()->isKindOfClass(name);
+  if (kind() == Kind::Error) return asError().isKindOfClass(name);
+  if (kind() == Kind::Object) return asObject()->isKindOfClass(name);
   if (name == String(u"NSObject")) return true;
   const String own = className();
   if (name == own) return true;
@@ -374,7 +409,7 @@ bool Value::isKindOfClass(const String& name) const {
 }
 
 Value Value::copy() const {
-  switch (kind_) {
+  switch (kind()) {
     case Kind::String:
       return Value(String(std::u16string(asString().units())));
     case Kind::Data:

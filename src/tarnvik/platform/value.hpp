@@ -10,9 +10,13 @@
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
+#include <string>
 #include <type_traits>
+#include <variant>
+#include <vector>
 
 #include "tarnvik/platform/date.hpp"
+#include "tarnvik/platform/string.hpp"
 #include "tarnvik/platform/types.hpp"
 
 namespace tarnvik {
@@ -24,7 +28,11 @@ class Error;
 class Object;
 class OrderedSet;
 class Set;
-class String;
+class Value;
+struct DataStorage;
+struct DictionaryStorage;
+struct ErrorStorage;
+struct UniqueStorage;
 
 // The explicit null marker, distinct from nil.
 struct Null {
@@ -32,66 +40,65 @@ struct Null {
 };
 inline constexpr Null kNull{};
 
+// What a Value holds (Value::Kind).
+enum class ValueKind : std::uint8_t {
+  Nil,
+  Null,
+  Bool,
+  Int,
+  UInt,
+  Double,
+  Date,
+  String,
+  Data,
+  Array,
+  Dictionary,
+  Set,
+  OrderedSet,
+  Error,
+  Object,
+};
+
+namespace detail {
+constexpr std::size_t valueIndex(ValueKind kind) { return static_cast<std::size_t>(kind); }
+}  // namespace detail
+
 class Value {
  public:
-  enum class Kind : std::uint8_t {
-    Nil,
-    Null,
-    Bool,
-    Int,
-    UInt,
-    Double,
-    Date,
-    String,
-    Data,
-    Array,
-    Dictionary,
-    Set,
-    OrderedSet,
-    Error,
-    Object,
-  };
+  using Kind = ValueKind;
 
   Value() = default;
-  Value(Null) : kind_(Kind::Null) {}                    // NOLINT
-  Value(bool b) : kind_(Kind::Bool) { scalar_.b = b; }  // NOLINT
+  Value(Null) : storage_(std::in_place_index<detail::valueIndex(Kind::Null)>) {}       // NOLINT
+  Value(bool b) : storage_(std::in_place_index<detail::valueIndex(Kind::Bool)>, b) {}  // NOLINT
   template <std::signed_integral T>
-  Value(T i) : kind_(Kind::Int) {
-    scalar_.i = i;
-  }  // NOLINT
+  Value(T i) : storage_(std::in_place_index<detail::valueIndex(Kind::Int)>, i) {}  // NOLINT
   template <std::unsigned_integral T>
-  requires(!std::same_as<T, bool>) Value(T u) : kind_(Kind::UInt) { scalar_.u = u; }  // NOLINT
-  Value(double d) : kind_(Kind::Double) { scalar_.d = d; }                            // NOLINT
-  Value(float f) : Value(static_cast<double>(f)) {}                                   // NOLINT
-  Value(Date date) : kind_(Kind::Date) {
-    scalar_.d = date.timeIntervalSinceReferenceDate;
-  }                                       // NOLINT
-  Value(const char* utf8);                // NOLINT
-  Value(const char16_t* utf16);           // NOLINT
-  Value(const String& s);                 // NOLINT
-  Value(const Data& d);                   // NOLINT
-  Value(const Array& a);                  // NOLINT
-  Value(const Dictionary& d);             // NOLINT
-  Value(const Set& s);                    // NOLINT
-  Value(const OrderedSet& s);             // NOLINT
-  Value(const Error& e);                  // NOLINT
-  Value(std::shared_ptr<Object> object);  // NOLINT
+  requires(!std::same_as<T, bool>) Value(T u)
+      : storage_(std::in_place_index<detail::valueIndex(Kind::UInt)>, u) {}                // NOLINT
+  Value(double d) : storage_(std::in_place_index<detail::valueIndex(Kind::Double)>, d) {}  // NOLINT
+  Value(float f) : Value(static_cast<double>(f)) {}                                        // NOLINT
+  Value(Date date)
+      : storage_(std::in_place_index<detail::valueIndex(Kind::Date)>, date) {}  // NOLINT
+  Value(const char* utf8);                                                      // NOLINT
+  Value(const char16_t* utf16);                                                 // NOLINT
+  Value(const String& s);                                                       // NOLINT
+  Value(const Data& d);                                                         // NOLINT
+  Value(const Array& a);                                                        // NOLINT
+  Value(const Dictionary& d);                                                   // NOLINT
+  Value(const Set& s);                                                          // NOLINT
+  Value(const OrderedSet& s);                                                   // NOLINT
+  Value(const Error& e);                                                        // NOLINT
+  Value(std::shared_ptr<Object> object);                                        // NOLINT
   template <class T>
   requires std::derived_from<T, Object> Value(std::shared_ptr<T> object)
       : Value(std::shared_ptr<Object>(std::move(object))) {}  // NOLINT
 
-  Kind kind() const { return kind_; }
-  bool isNil() const { return kind_ == Kind::Nil; }
-  bool isNull() const { return kind_ == Kind::Null; }
-  bool isNumber() const {
-    return kind_ == Kind::Bool || kind_ == Kind::Int || kind_ == Kind::UInt ||
-           kind_ == Kind::Double;
-  }
-  bool isString() const { return kind_ == Kind::String; }
-  bool isCollection() const {
-    return kind_ == Kind::Array || kind_ == Kind::Dictionary || kind_ == Kind::Set ||
-           kind_ == Kind::OrderedSet;
-  }
+  Kind kind() const { return static_cast<Kind>(storage_.index()); }
+  bool isNil() const { return kind() == Kind::Nil; }
+  bool isNull() const { return kind() == Kind::Null; }
+  bool isNumber() const { return kind() >= Kind::Bool && kind() <= Kind::Double; }
+  bool isString() const { return kind() == Kind::String; }
+  bool isCollection() const { return kind() >= Kind::Array && kind() <= Kind::OrderedSet; }
 
   // The handle held, or a nil handle when the value is of another kind.
   String asString() const;
@@ -137,23 +144,37 @@ class Value {
   // A copy with storage of its own (handles) or the same scalar.
   Value copy() const;
 
-  friend bool operator==(const Value& a, const Value& b) { return a.isEqual(b); }
+  // The address of the shared storage of a handle or object (what %p prints for it);
+  // null for nil, Null, numbers and dates.
+  const void* identity() const;
 
-  // For the handle types' own use.
-  const std::shared_ptr<void>& storage() const { return ref_; }
+  friend bool operator==(const Value& a, const Value& b) { return a.isEqual(b); }
 
  private:
   friend struct ValueAccess;
-  Value(Kind kind, std::shared_ptr<void> ref) : kind_(kind), ref_(std::move(ref)) {}
-  Kind kind_ = Kind::Nil;
-  union Scalar {
-    bool b;
-    std::int64_t i;
-    std::uint64_t u;
-    double d;
-  } scalar_{.u = 0};
-  std::shared_ptr<void> ref_;
+  static constexpr std::size_t index(Kind kind) { return detail::valueIndex(kind); }
+  // One alternative per Kind, in the Kind's order; Set and OrderedSet share a storage type
+  // and are told apart by their index.
+  using Storage =
+      std::variant<std::monostate, Null, bool, std::int64_t, std::uint64_t, double, Date,
+                   std::shared_ptr<std::u16string>, std::shared_ptr<DataStorage>,
+                   std::shared_ptr<std::vector<Value>>, std::shared_ptr<DictionaryStorage>,
+                   std::shared_ptr<UniqueStorage>, std::shared_ptr<UniqueStorage>,
+                   std::shared_ptr<ErrorStorage>, std::shared_ptr<Object>>;
+  // The alternative of the kind, or null when the value holds another kind.
+  template <Kind K>
+  const auto* get() const {
+    return std::get_if<index(K)>(&storage_);
+  }
+  template <Kind K, class Handle>
+  static Value fromHandle(const Handle& handle) {
+    Value v;
+    if (!handle.isNil()) v.storage_.template emplace<index(K)>(handle.storage_);
+    return v;
+  }
+  Storage storage_;
 };
+static_assert(sizeof(Value) <= 24, "a Value is a variant index and one shared pointer");
 
 }  // namespace tarnvik
 
@@ -172,6 +193,3 @@ struct ValueEqual {
   bool operator()(const Value& a, const Value& b) const { return a.isEqual(b); }
 };
 }  // namespace tarnvik
-
-// The text type completes the picture for callers of asString() and description().
-#include "tarnvik/platform/string.hpp"  // IWYU pragma: export
