@@ -13,7 +13,7 @@
 #include "tarnvik/codec/digests.hpp"
 #include "tarnvik/codec/gzip.hpp"
 #include "tarnvik/codec/hex.hpp"
-#include "tarnvik/platform/string.hpp"
+#include "tarnvik/platform/base/string.hpp"
 
 using namespace tarnvik;
 

@@ -7,7 +7,7 @@
 #include <cstdlib>
 
 #include "tarnvik/net/url_strings.hpp"
-#include "tarnvik/platform/data.hpp"
+#include "tarnvik/platform/base/data.hpp"
 
 using namespace tarnvik;
 

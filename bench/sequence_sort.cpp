@@ -7,8 +7,8 @@
 #include <cstdio>
 #include <vector>
 
-#include "tarnvik/platform/data.hpp"
-#include "tarnvik/platform/string.hpp"
+#include "tarnvik/platform/base/data.hpp"
+#include "tarnvik/platform/base/string.hpp"
 #include "tarnvik/text/name_segments.hpp"
 
 using namespace tarnvik;

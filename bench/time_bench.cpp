@@ -5,7 +5,7 @@
 #include <chrono>
 #include <cstdio>
 
-#include "tarnvik/platform/calendar.hpp"
+#include "tarnvik/platform/time/calendar.hpp"
 #include "tarnvik/time/dates.hpp"
 #include "tarnvik/time/durations.hpp"
 

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "support/domain.hpp"
-#include "tarnvik/platform/error.hpp"
+#include "tarnvik/platform/base/error.hpp"
 
 namespace tarnvik {
 namespace {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/domain.hpp"
-#include "tarnvik/platform/key_value_coding.hpp"
+#include "tarnvik/platform/base/key_value_coding.hpp"
 
 namespace tarnvik {
 namespace {

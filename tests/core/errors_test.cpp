@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/temp_dir.hpp"
-#include "tarnvik/platform/bundle.hpp"
+#include "tarnvik/platform/system/bundle.hpp"
 
 namespace tarnvik {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "tarnvik/platform/object.hpp"
+#include "tarnvik/platform/base/object.hpp"
 
 namespace tarnvik {
 namespace {

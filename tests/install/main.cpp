@@ -1,7 +1,7 @@
 // A program that uses the installed library the way a host application would.
 #include <cstdio>
 
-#include "tarnvik/core/errors.hpp"
+#include "tarnvik/tarnvik.hpp"
 
 int main() {
   const tarnvik::Error e = tarnvik::errorWithDomain(tarnvik::KFErrorDomainTarnvikExtensions, 3,

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tarnvik/platform/error.hpp"
+#include "tarnvik/platform/base/error.hpp"
 
 namespace tarnvik {
 namespace {

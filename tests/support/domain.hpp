@@ -1,7 +1,7 @@
 // A small registered domain class for key-value coding and method-by-name tests.
 #pragma once
 
-#include "tarnvik/platform/object.hpp"
+#include "tarnvik/platform/base/object.hpp"
 
 namespace tarnvik::testing {
 

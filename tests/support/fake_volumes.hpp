@@ -2,7 +2,7 @@
 // without real mounts. Everything else is the real file manager.
 #pragma once
 
-#include "tarnvik/platform/file_manager.hpp"
+#include "tarnvik/platform/base/file_manager.hpp"
 
 namespace tarnvik::testing {
 

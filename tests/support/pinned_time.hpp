@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tarnvik/platform/calendar.hpp"
+#include "tarnvik/platform/time/calendar.hpp"
 
 namespace tarnvik::testing {
 

@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "tarnvik/platform/error.hpp"
+#include "tarnvik/platform/base/error.hpp"
 
 namespace tarnvik::testing {
 

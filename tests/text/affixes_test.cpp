@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/raised.hpp"
-#include "tarnvik/platform/error.hpp"
+#include "tarnvik/platform/base/error.hpp"
 
 namespace tarnvik {
 namespace {

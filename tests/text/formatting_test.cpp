@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "support/temp_dir.hpp"
-#include "tarnvik/platform/bundle.hpp"
-#include "tarnvik/platform/error.hpp"
+#include "tarnvik/platform/base/error.hpp"
+#include "tarnvik/platform/system/bundle.hpp"
 
 namespace tarnvik {
 namespace {

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <random>
 
-#include "tarnvik/platform/error.hpp"
+#include "tarnvik/platform/base/error.hpp"
 
 namespace tarnvik {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "support/fake_volumes.hpp"
 #include "support/temp_dir.hpp"
-#include "tarnvik/platform/error.hpp"
+#include "tarnvik/platform/base/error.hpp"
 
 namespace tarnvik {
 namespace {

@@ -4,8 +4,8 @@
 //   Data back = AES256DecryptWithKey(sealed, u"secret");   // == plain
 #pragma once
 
-#include "tarnvik/platform/data.hpp"
-#include "tarnvik/platform/string.hpp"
+#include "tarnvik/platform/base/data.hpp"
+#include "tarnvik/platform/base/string.hpp"
 
 namespace tarnvik {
 

@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "tarnvik/codec/hex.hpp"
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/text/format.hpp"
 
 namespace tarnvik {
 

@@ -5,8 +5,8 @@
 //   SHA1Sum(u"abc");               // "a9993e364706816aba3e25717850c26c9cd0d89d"
 #pragma once
 
-#include "tarnvik/platform/data.hpp"
-#include "tarnvik/platform/string.hpp"
+#include "tarnvik/platform/base/data.hpp"
+#include "tarnvik/platform/base/string.hpp"
 
 namespace tarnvik {
 

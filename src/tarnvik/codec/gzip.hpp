@@ -4,7 +4,7 @@
 //   Data back = gzipUnpackedData(packed);     // == data
 #pragma once
 
-#include "tarnvik/platform/data.hpp"
+#include "tarnvik/platform/base/data.hpp"
 
 namespace tarnvik {
 

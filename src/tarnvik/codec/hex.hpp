@@ -7,8 +7,8 @@
 
 #include <cstdint>
 
-#include "tarnvik/platform/data.hpp"
-#include "tarnvik/platform/string.hpp"
+#include "tarnvik/platform/base/data.hpp"
+#include "tarnvik/platform/base/string.hpp"
 
 namespace tarnvik {
 

@@ -3,9 +3,9 @@
 #include <unordered_map>
 
 #include "tarnvik/core/checks.hpp"
-#include "tarnvik/platform/format.hpp"
-#include "tarnvik/platform/key_value_coding.hpp"
-#include "tarnvik/platform/sort_descriptor.hpp"
+#include "tarnvik/platform/base/key_value_coding.hpp"
+#include "tarnvik/platform/base/sort_descriptor.hpp"
+#include "tarnvik/platform/text/format.hpp"
 
 namespace tarnvik {
 

@@ -12,10 +12,10 @@
 
 #include <functional>
 
-#include "tarnvik/platform/array.hpp"
-#include "tarnvik/platform/dictionary.hpp"
-#include "tarnvik/platform/index_set.hpp"
-#include "tarnvik/platform/set.hpp"
+#include "tarnvik/platform/base/array.hpp"
+#include "tarnvik/platform/base/dictionary.hpp"
+#include "tarnvik/platform/base/index_set.hpp"
+#include "tarnvik/platform/base/set.hpp"
 
 namespace tarnvik {
 

@@ -8,7 +8,7 @@
 #include <memory>
 #include <vector>
 
-#include "tarnvik/platform/enumerator.hpp"
+#include "tarnvik/platform/base/enumerator.hpp"
 
 namespace tarnvik {
 

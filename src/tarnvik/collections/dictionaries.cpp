@@ -4,11 +4,11 @@
 
 #include "tarnvik/collections/arrays.hpp"
 #include "tarnvik/core/checks.hpp"
-#include "tarnvik/platform/character_set.hpp"
-#include "tarnvik/platform/format.hpp"
-#include "tarnvik/platform/key_value_coding.hpp"
-#include "tarnvik/platform/object.hpp"
-#include "tarnvik/platform/url.hpp"
+#include "tarnvik/platform/base/character_set.hpp"
+#include "tarnvik/platform/base/key_value_coding.hpp"
+#include "tarnvik/platform/base/object.hpp"
+#include "tarnvik/platform/net/url.hpp"
+#include "tarnvik/platform/text/format.hpp"
 
 namespace tarnvik {
 

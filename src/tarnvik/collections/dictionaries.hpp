@@ -10,10 +10,10 @@
 #include <functional>
 #include <optional>
 
-#include "tarnvik/platform/dictionary.hpp"
-#include "tarnvik/platform/geometry.hpp"
-#include "tarnvik/platform/index_set.hpp"
-#include "tarnvik/platform/map_table.hpp"
+#include "tarnvik/platform/base/dictionary.hpp"
+#include "tarnvik/platform/base/geometry.hpp"
+#include "tarnvik/platform/base/index_set.hpp"
+#include "tarnvik/platform/base/map_table.hpp"
 
 namespace tarnvik {
 

@@ -1,6 +1,6 @@
 #include "tarnvik/collections/sets.hpp"
 
-#include "tarnvik/platform/key_value_coding.hpp"
+#include "tarnvik/platform/base/key_value_coding.hpp"
 
 namespace tarnvik {
 

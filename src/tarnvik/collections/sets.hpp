@@ -9,7 +9,7 @@
 #include <span>
 
 #include "tarnvik/collections/arrays.hpp"
-#include "tarnvik/platform/set.hpp"
+#include "tarnvik/platform/base/set.hpp"
 
 namespace tarnvik {
 

@@ -6,8 +6,8 @@
 //             u"%@ is too long to be converted to an integer", text);
 #pragma once
 
-#include "tarnvik/platform/error.hpp"
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/base/error.hpp"
+#include "tarnvik/platform/text/format.hpp"
 
 namespace tarnvik {
 

@@ -1,6 +1,6 @@
 #include "tarnvik/core/errors.hpp"
 
-#include "tarnvik/platform/bundle.hpp"
+#include "tarnvik/platform/system/bundle.hpp"
 
 namespace tarnvik {
 

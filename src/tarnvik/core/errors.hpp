@@ -8,8 +8,8 @@
 
 #include <concepts>
 
-#include "tarnvik/platform/error.hpp"
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/base/error.hpp"
+#include "tarnvik/platform/text/format.hpp"
 
 namespace tarnvik {
 

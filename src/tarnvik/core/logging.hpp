@@ -7,7 +7,7 @@
 #pragma once
 
 #include "tarnvik/core/checks.hpp"
-#include "tarnvik/platform/log.hpp"
+#include "tarnvik/platform/system/log.hpp"
 
 // Synchronous; level is the current ddLogLevel, flag 1 (error), context 0, the source
 // file's base name, the operation's full name, the line and no tag.

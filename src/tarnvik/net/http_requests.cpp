@@ -2,7 +2,7 @@
 
 #include "tarnvik/net/url_components.hpp"
 #include "tarnvik/net/url_strings.hpp"
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/text/format.hpp"
 
 namespace tarnvik {
 

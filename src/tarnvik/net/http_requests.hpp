@@ -6,8 +6,8 @@
 //   u"1"}}); setHTTPBasicAuthUser(r, u"u", u"p");   // Authorization: Basic dTpw
 #pragma once
 
-#include "tarnvik/platform/dictionary.hpp"
-#include "tarnvik/platform/url_request.hpp"
+#include "tarnvik/platform/base/dictionary.hpp"
+#include "tarnvik/platform/net/url_request.hpp"
 
 namespace tarnvik {
 

@@ -5,8 +5,8 @@
 //   URLWithFragment(url, u"top");
 #pragma once
 
-#include "tarnvik/platform/dictionary.hpp"
-#include "tarnvik/platform/url.hpp"
+#include "tarnvik/platform/base/dictionary.hpp"
+#include "tarnvik/platform/net/url.hpp"
 
 namespace tarnvik {
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "tarnvik/core/checks.hpp"
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/text/format.hpp"
 
 namespace tarnvik {
 

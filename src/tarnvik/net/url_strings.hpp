@@ -8,9 +8,9 @@
 //   stringByAppendingURLQuery(u"page?x=1#top", u"y=2");   // "page?x=1&y=2#top"
 #pragma once
 
-#include "tarnvik/platform/dictionary.hpp"
-#include "tarnvik/platform/string.hpp"
-#include "tarnvik/platform/url.hpp"
+#include "tarnvik/platform/base/dictionary.hpp"
+#include "tarnvik/platform/base/string.hpp"
+#include "tarnvik/platform/net/url.hpp"
 
 namespace tarnvik {
 

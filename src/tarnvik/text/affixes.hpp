@@ -7,8 +7,8 @@
 // Characters are UTF-16 units. A nil receiver reads as the empty string.
 #pragma once
 
-#include "tarnvik/platform/character_set.hpp"
-#include "tarnvik/platform/string.hpp"
+#include "tarnvik/platform/base/character_set.hpp"
+#include "tarnvik/platform/base/string.hpp"
 
 namespace tarnvik {
 

@@ -1,6 +1,6 @@
 #include "tarnvik/text/backup_names.hpp"
 
-#include "tarnvik/platform/date_formatter.hpp"
+#include "tarnvik/platform/time/date_formatter.hpp"
 
 namespace tarnvik {
 

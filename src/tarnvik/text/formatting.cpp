@@ -1,11 +1,11 @@
 #include "tarnvik/text/formatting.hpp"
 
 #include "tarnvik/core/checks.hpp"
-#include "tarnvik/platform/bundle.hpp"
-#include "tarnvik/platform/character_set.hpp"
-#include "tarnvik/platform/data.hpp"
-#include "tarnvik/platform/format.hpp"
-#include "tarnvik/platform/regular_expression.hpp"
+#include "tarnvik/platform/base/character_set.hpp"
+#include "tarnvik/platform/base/data.hpp"
+#include "tarnvik/platform/system/bundle.hpp"
+#include "tarnvik/platform/text/format.hpp"
+#include "tarnvik/platform/text/regular_expression.hpp"
 #include "tarnvik/text/affixes.hpp"
 
 namespace tarnvik {

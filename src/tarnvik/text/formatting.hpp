@@ -6,8 +6,8 @@
 //   stringByExpandingCamelCase(u"thumbnailSize"); // "thumbnail Size"
 #pragma once
 
-#include "tarnvik/platform/dictionary.hpp"
-#include "tarnvik/platform/string.hpp"
+#include "tarnvik/platform/base/dictionary.hpp"
+#include "tarnvik/platform/base/string.hpp"
 
 namespace tarnvik {
 

@@ -5,7 +5,7 @@
 #include <unordered_map>
 
 #include "tarnvik/core/checks.hpp"
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/text/format.hpp"
 #include "tarnvik/text/affixes.hpp"
 
 namespace tarnvik {

@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tarnvik/platform/string.hpp"
+#include "tarnvik/platform/base/string.hpp"
 
 namespace tarnvik {
 

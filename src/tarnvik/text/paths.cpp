@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "tarnvik/core/checks.hpp"
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/text/format.hpp"
 #include "tarnvik/text/affixes.hpp"
 
 namespace tarnvik {

@@ -6,9 +6,9 @@
 //   relativePathFromBaseDirPath(u"/a/b/c/clip.mov", u"/a/b/x/y");             // "../../c/clip.mov"
 #pragma once
 
-#include "tarnvik/platform/file_manager.hpp"
-#include "tarnvik/platform/scanner.hpp"
-#include "tarnvik/platform/string.hpp"
+#include "tarnvik/platform/base/file_manager.hpp"
+#include "tarnvik/platform/base/string.hpp"
+#include "tarnvik/platform/text/scanner.hpp"
 
 namespace tarnvik {
 

@@ -6,8 +6,8 @@
 //   substringOfMatchedString(m, u"#FF8000", 2);   // "80"
 #pragma once
 
-#include "tarnvik/platform/array.hpp"
-#include "tarnvik/platform/regular_expression.hpp"
+#include "tarnvik/platform/base/array.hpp"
+#include "tarnvik/platform/text/regular_expression.hpp"
 
 namespace tarnvik {
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "tarnvik/platform/format.hpp"
-#include "tarnvik/platform/regular_expression.hpp"
-#include "tarnvik/platform/scanner.hpp"
+#include "tarnvik/platform/text/format.hpp"
+#include "tarnvik/platform/text/regular_expression.hpp"
+#include "tarnvik/platform/text/scanner.hpp"
 
 namespace tarnvik {
 

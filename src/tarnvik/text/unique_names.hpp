@@ -6,9 +6,9 @@
 //   uniquifyFileNameInFolder(u"Clip.mov", u"/Volumes/Media/Day01");      // "Clip 1.mov" if taken
 #pragma once
 
-#include "tarnvik/platform/array.hpp"
-#include "tarnvik/platform/file_manager.hpp"
-#include "tarnvik/platform/string.hpp"
+#include "tarnvik/platform/base/array.hpp"
+#include "tarnvik/platform/base/file_manager.hpp"
+#include "tarnvik/platform/base/string.hpp"
 
 namespace tarnvik {
 

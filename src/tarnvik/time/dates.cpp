@@ -8,11 +8,11 @@
 #include <memory>
 #include <mutex>
 
-#include "tarnvik/platform/array.hpp"
-#include "tarnvik/platform/bundle.hpp"
-#include "tarnvik/platform/calendar.hpp"
-#include "tarnvik/platform/date_formatter.hpp"
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/base/array.hpp"
+#include "tarnvik/platform/system/bundle.hpp"
+#include "tarnvik/platform/text/format.hpp"
+#include "tarnvik/platform/time/calendar.hpp"
+#include "tarnvik/platform/time/date_formatter.hpp"
 
 namespace tarnvik {
 

@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <optional>
 
-#include "tarnvik/platform/date.hpp"
-#include "tarnvik/platform/string.hpp"
+#include "tarnvik/platform/base/date.hpp"
+#include "tarnvik/platform/base/string.hpp"
 
 namespace tarnvik {
 

@@ -3,8 +3,8 @@
 #include <climits>
 #include <cmath>
 
-#include "tarnvik/platform/date_formatter.hpp"
-#include "tarnvik/platform/format.hpp"
+#include "tarnvik/platform/text/format.hpp"
+#include "tarnvik/platform/time/date_formatter.hpp"
 
 namespace tarnvik {
 

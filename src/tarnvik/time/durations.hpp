@@ -4,8 +4,8 @@
 //   humanReadableStringForTimeInterval(3600);     // "about 1 hour"
 #pragma once
 
-#include "tarnvik/platform/date.hpp"
-#include "tarnvik/platform/string.hpp"
+#include "tarnvik/platform/base/date.hpp"
+#include "tarnvik/platform/base/string.hpp"
 
 namespace tarnvik {
 

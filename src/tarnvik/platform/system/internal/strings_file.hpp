@@ -1,0 +1,21 @@
+// Reading localized string tables and property lists from disk. Not installed.
+#pragma once
+
+#include <string>
+
+#include "tarnvik/platform/base/dictionary.hpp"
+
+namespace tarnvik::strings_file {
+
+// Parses the text form of a strings table: "key" = "value"; entries (a lone "key"; maps
+// the key to itself), unquoted words, /* */ and // comments, and the escapes \n \t \r
+// \" \\ \Uxxxx \uxxxx. The bytes may be UTF-8 or UTF-16 with a byte-order mark. Returns
+// nil when the text is malformed.
+Dictionary parseStringsText(const std::string& bytes);
+// An XML or binary property list whose root is a dictionary, converted to Values; nil when
+// the bytes are not such a list.
+Dictionary parsePropertyListDictionary(const std::string& bytes);
+// Either of the above, by the first bytes; nil when the file cannot be read or parsed.
+Dictionary readTable(const std::string& path);
+
+}  // namespace tarnvik::strings_file
