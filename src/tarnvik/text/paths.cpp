@@ -1,8 +1,5 @@
 #include "tarnvik/text/paths.hpp"
 
-#include <limits.h>
-#include <stdlib.h>
-
 #include <optional>
 
 #include "tarnvik/core/checks.hpp"
@@ -162,9 +159,7 @@ String stringWithTrailingSlash(const String& path) {
 }
 
 String realPath(const String& path) {
-  char resolved[PATH_MAX];
-  if (path.isNil() || !::realpath(path.utf8().c_str(), resolved)) return String();
-  return String::fromUTF8Lossy(resolved);
+  return FileManager::defaultManager().realPathOfItemAtPath(path);
 }
 
 String stringOneFolderUp(const String& path) { return foldersUp(path, 1); }

@@ -1,7 +1,9 @@
 #include "tarnvik/platform/base/file_manager.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 #include "support/temp_dir.hpp"
@@ -52,6 +54,124 @@ TEST(FolderListing, NamesErrorsAndExistence) {
   EXPECT_FALSE(isDirectory);
   EXPECT_FALSE(fm.fileExistsAtPath(u""));
   EXPECT_FALSE(fm.currentDirectoryPath().isEmpty());
+}
+
+TEST(FileSystems, TypeComesFromTheMountTableByDevice) {
+  const char* table =
+      "25 1 8:1 / / rw,relatime - ext4 /dev/sda1 rw\n"
+      "40 25 8:17 / /media/Card rw - exfat /dev/sdb1 rw\n"
+      "short line\n";
+  EXPECT_EQ(fileSystemTypeFromMountInfo(table, 8, 17).utf8(), "exfat");
+  EXPECT_EQ(fileSystemTypeFromMountInfo(table, 8, 1).utf8(), "ext4");
+  EXPECT_EQ(fileSystemTypeFromMountInfo(table, 9, 9).utf8(), "");
+
+  testing::TempDir dir;
+  FileSystemAttributes attributes;
+  FileManager& fm = FileManager::defaultManager();
+  ASSERT_TRUE(fm.fileSystemAttributesAtPath(String(dir.path().string()), &attributes));
+  EXPECT_GT(attributes.size, 0u);
+  EXPECT_LE(attributes.freeSize, attributes.size);
+  EXPECT_FALSE(attributes.type.isEmpty());
+  Error error;
+  EXPECT_FALSE(fm.fileSystemAttributesAtPath(u"/no/such/place", &attributes, &error));
+  EXPECT_EQ(error.code(), NSFileReadNoSuchFileError);
+}
+
+TEST(FileAttributesOf, LinksAreDescribedOrFollowedAndDatesSet) {
+  testing::TempDir dir;
+  const auto file = dir.write("A001.mov", "12345");
+  std::filesystem::create_symlink(file, dir.path() / "link");
+  std::filesystem::create_symlink(dir.path() / "gone", dir.path() / "dangling");
+  FileManager& fm = FileManager::defaultManager();
+  const String link(dir.path().string() + "/link");
+  FileAttributes attributes;
+  ASSERT_TRUE(fm.attributesOfItemAtPath(link, true, &attributes));
+  EXPECT_EQ(attributes.type, FileType::Regular);
+  EXPECT_EQ(attributes.size, 5u);
+  ASSERT_TRUE(fm.attributesOfItemAtPath(link, false, &attributes));
+  EXPECT_EQ(attributes.type, FileType::SymbolicLink);
+  EXPECT_EQ(fm.destinationOfSymbolicLinkAtPath(link).utf8(), file.string());
+  const String dangling(dir.path().string() + "/dangling");
+  FileType type = FileType::Other;
+  EXPECT_TRUE(fm.itemExistsAtPath(dangling, &type));
+  EXPECT_EQ(type, FileType::SymbolicLink);
+  EXPECT_FALSE(fm.fileExistsAtPath(dangling));
+  EXPECT_TRUE(fm.realPathOfItemAtPath(dangling).isNil());
+  EXPECT_EQ(fm.realPathOfItemAtPath(link).utf8(), std::filesystem::canonical(file).string());
+
+  const Date date = Date::dateWithTimeIntervalSince1970(1234567890.25);
+  ASSERT_TRUE(fm.setModificationDate(String(file.string()), date));
+  ASSERT_TRUE(fm.setPosixPermissions(String(file.string()), 0604));
+  ASSERT_TRUE(fm.attributesOfItemAtPath(String(file.string()), false, &attributes));
+  EXPECT_EQ(attributes.modificationDate, date);
+  EXPECT_EQ(attributes.permissions, 0604u);
+}
+
+TEST(FolderCreation, IntermediatesAndWhatIsInTheWay) {
+  testing::TempDir dir;
+  FileManager& fm = FileManager::defaultManager();
+  const String deep(dir.path().string() + "/Day01/Card A/CLIP");
+  Error error;
+  EXPECT_FALSE(fm.createDirectoryAtPath(deep, false, &error));
+  EXPECT_EQ(error.code(), NSFileNoSuchFileError);
+  EXPECT_TRUE(fm.createDirectoryAtPath(deep, true, &error));
+  EXPECT_TRUE(fm.createDirectoryAtPath(deep, true, &error));
+  EXPECT_FALSE(fm.createDirectoryAtPath(deep, false, &error));
+  EXPECT_EQ(error.code(), NSFileWriteFileExistsError);
+  dir.write("file", "");
+  EXPECT_FALSE(fm.createDirectoryAtPath(String(dir.path().string() + "/file"), true, &error));
+  EXPECT_EQ(error.code(), NSFileWriteFileExistsError);
+}
+
+TEST(FileErrors, CodesFollowTheOperationAndThePosixError) {
+  struct Row {
+    FileOperation operation;
+    int posixError;
+    Integer code;
+  };
+  const Row rows[] = {
+      {FileOperation::Read, ENOENT, NSFileReadNoSuchFileError},
+      {FileOperation::Read, ENOTDIR, NSFileReadNoSuchFileError},
+      {FileOperation::Read, EACCES, NSFileReadNoPermissionError},
+      {FileOperation::Read, ENAMETOOLONG, NSFileReadInvalidFileNameError},
+      {FileOperation::Read, EIO, NSFileReadUnknownError},
+      {FileOperation::Write, ENOSPC, NSFileWriteOutOfSpaceError},
+      {FileOperation::Write, EPERM, NSFileWriteNoPermissionError},
+      {FileOperation::Write, ENOENT, NSFileWriteUnknownError},
+      {FileOperation::Copy, ENOENT, NSFileNoSuchFileError},
+      {FileOperation::Move, EEXIST, NSFileWriteFileExistsError},
+      {FileOperation::Remove, ENOTEMPTY, NSFileWriteFileExistsError},
+      {FileOperation::Create, EROFS, NSFileWriteVolumeReadOnlyError},
+      {FileOperation::Link, EDQUOT, NSFileWriteOutOfSpaceError},
+  };
+  for (const Row& row : rows) {
+    const Error error =
+        FileManager::errorFor(row.operation, u"/Volumes/A/clip.mov", row.posixError);
+    EXPECT_EQ(error.code(), row.code) << "errno " << row.posixError;
+    EXPECT_EQ(error.userInfo().objectForKey(NSFilePathErrorKey).asString().utf8(),
+              "/Volumes/A/clip.mov");
+    EXPECT_EQ(error.underlyingError().domain(), String(NSPOSIXErrorDomain));
+    EXPECT_EQ(error.underlyingError().code(), row.posixError);
+  }
+}
+
+TEST(WellKnownFolders, FollowTheEnvironment) {
+  FileManager& fm = FileManager::defaultManager();
+  const std::string saved = std::getenv("HOME") ? std::getenv("HOME") : "";
+  ::setenv("TMPDIR", "/scratch/tmp//", 1);
+  ::setenv("HOME", "/home/editor", 1);
+  ::unsetenv("XDG_CACHE_HOME");
+  EXPECT_EQ(fm.temporaryDirectory().utf8(), "/scratch/tmp");
+  EXPECT_EQ(fm.homeDirectoryForUser().utf8(), "/home/editor");
+  EXPECT_EQ(fm.cachesDirectory().utf8(), "/home/editor/.cache");
+  EXPECT_EQ(String(u"~/Media").stringByExpandingTildeInPath().utf8(), "/home/editor/Media");
+  ::setenv("XDG_CACHE_HOME", "/fast/cache", 1);
+  EXPECT_EQ(fm.cachesDirectory().utf8(), "/fast/cache");
+  EXPECT_TRUE(fm.homeDirectoryForUser(u"no-such-user-here").isNil());
+  ::unsetenv("TMPDIR");
+  ::unsetenv("XDG_CACHE_HOME");
+  EXPECT_EQ(fm.temporaryDirectory().utf8(), "/tmp");
+  ::setenv("HOME", saved.c_str(), 1);
 }
 
 }  // namespace

@@ -1,17 +1,10 @@
 #include "tarnvik/platform/base/data.hpp"
 
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <functional>
 
 #include "tarnvik/platform/base/error.hpp"
-#include "tarnvik/platform/base/internal/file_errors.hpp"
+#include "tarnvik/platform/base/file_manager.hpp"
 #include "tarnvik/platform/base/internal/message.hpp"
 
 namespace tarnvik {
@@ -35,24 +28,6 @@ void requireRange(Range range, UInteger length, const char* operation) {
                                    range.length, "} exceeds data length ", length));
   }
 }
-
-// The process's file-creation mask, read once (reading it means setting it).
-mode_t processUmask() {
-  static const mode_t mask = [] {
-    const mode_t m = ::umask(022);
-    ::umask(m);
-    return m;
-  }();
-  return mask;
-}
-
-// Closes the descriptor when it goes out of scope.
-struct FileDescriptor {
-  int fd;
-  ~FileDescriptor() {
-    if (fd >= 0) ::close(fd);
-  }
-};
 
 }  // namespace
 
@@ -92,86 +67,11 @@ Data Data::withBytesNoCopy(const void* bytes, UInteger length,
 }
 
 Data Data::dataWithContentsOfFile(const String& path, UInteger options, Error* error) {
-  FileDescriptor file{::open(path.utf8().c_str(), O_RDONLY | O_CLOEXEC)};
-  struct stat info {};
-  if (file.fd < 0 || ::fstat(file.fd, &info) != 0) {
-    if (error) *error = file_errors::reading(path, errno);
-    return Data();
-  }
-  const bool mapped = (options & (NSDataReadingMappedIfSafe | NSDataReadingMappedAlways)) &&
-                      S_ISREG(info.st_mode) && info.st_size > 0;
-  if (mapped) {
-    const auto size = static_cast<std::size_t>(info.st_size);
-    // Populating the mapping up front costs one pass instead of a page fault per page.
-    void* address = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, file.fd, 0);
-    if (address != MAP_FAILED) {
-      ::madvise(address, size, MADV_SEQUENTIAL);
-      return withBytesNoCopy(address, size, [](const void* p, UInteger n) {
-        ::munmap(const_cast<void*>(p), static_cast<std::size_t>(n));
-      });
-    }
-  }
-  // Read what stat promised, then keep reading in small steps in case the file grew.
-  ByteBuffer bytes(S_ISREG(info.st_mode) ? static_cast<std::size_t>(info.st_size) : 0);
-  std::size_t filled = 0;
-  std::uint8_t step[16384];
-  for (;;) {
-    const bool intoBuffer = filled < bytes.size();
-    std::uint8_t* target = intoBuffer ? bytes.data() + filled : step;
-    const std::size_t room = intoBuffer ? bytes.size() - filled : sizeof step;
-    const ssize_t n = ::read(file.fd, target, room);
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) {
-      if (error) *error = file_errors::reading(path, errno);
-      return Data();
-    }
-    if (n == 0) break;
-    if (!intoBuffer) {
-      bytes.resize(filled);
-      bytes.insert(bytes.end(), step, step + n);
-    }
-    filled += static_cast<std::size_t>(n);
-  }
-  bytes.resize(filled);
-  return withBuffer(std::move(bytes));
+  return FileManager::defaultManager().contentsAtPath(path, options, error);
 }
 
 bool Data::writeToFile(const String& path, bool atomically, Error* error) const {
-  const std::string target = path.utf8();
-  std::string written = target;
-  int fd = -1;
-  if (atomically) {
-    written = target + ".tarnvik-XXXXXX";
-    fd = ::mkstemp(written.data());
-  } else {
-    fd = ::open(target.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  }
-  auto fail = [&](int posixError) {
-    if (atomically && fd >= 0) ::unlink(written.c_str());
-    if (fd >= 0) ::close(fd);
-    if (error) *error = file_errors::writing(path, posixError);
-    return false;
-  };
-  if (fd < 0) return fail(errno);
-  if (atomically) ::fchmod(fd, 0666 & ~processUmask());
-  for (std::size_t done = 0; done < length();) {
-    const ssize_t n = ::write(fd, bytes() + done, length() - done);
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) return fail(errno);
-    done += static_cast<std::size_t>(n);
-  }
-  if (atomically && ::fsync(fd) != 0) return fail(errno);
-  if (::close(fd) != 0) {
-    fd = -1;
-    return fail(errno);
-  }
-  if (atomically && ::rename(written.c_str(), target.c_str()) != 0) {
-    const int e = errno;
-    ::unlink(written.c_str());
-    fd = -1;
-    return fail(e);
-  }
-  return true;
+  return FileManager::defaultManager().writeDataToPath(*this, path, atomically, error);
 }
 
 const std::uint8_t* Data::bytes() const {

@@ -1,12 +1,8 @@
 // Path primitives on String with POSIX semantics.
-#include <limits.h>
-#include <pwd.h>
-#include <stdlib.h>
-#include <unistd.h>
-
 #include <vector>
 
 #include "tarnvik/platform/base/array.hpp"
+#include "tarnvik/platform/base/file_manager.hpp"
 #include "tarnvik/platform/base/string.hpp"
 
 namespace tarnvik {
@@ -38,18 +34,6 @@ std::u16string joined(const std::vector<std::u16string_view>& parts, bool absolu
 std::u16string cleaned(std::u16string_view path) {
   if (path.empty()) return {};
   return joined(namedComponents(path), path.front() == u'/');
-}
-
-std::string homeFolder(const std::string& user) {
-  if (user.empty()) {
-    if (const char* home = getenv("HOME"); home && *home) return home;
-  }
-  struct passwd entry {};
-  struct passwd* found = nullptr;
-  char buffer[4096];
-  const int rc = user.empty() ? getpwuid_r(getuid(), &entry, buffer, sizeof buffer, &found)
-                              : getpwnam_r(user.c_str(), &entry, buffer, sizeof buffer, &found);
-  return rc == 0 && found && found->pw_dir ? std::string(found->pw_dir) : std::string();
 }
 
 }  // namespace
@@ -136,10 +120,10 @@ String String::stringByExpandingTildeInPath() const {
   const auto path = units();
   if (path.empty() || path.front() != u'~') return *this;
   const std::size_t slash = std::min(path.find(u'/'), path.size());
-  const std::string user = String(path.substr(1, slash - 1)).utf8();
-  const std::string home = homeFolder(user);
-  if (home.empty()) return *this;
-  std::u16string out(String(home).units());
+  const String home =
+      FileManager::defaultManager().homeDirectoryForUser(String(path.substr(1, slash - 1)));
+  if (home.isEmpty()) return *this;
+  std::u16string out(home.units());
   out.append(path.substr(slash));
   return String(cleaned(out));
 }
@@ -164,14 +148,15 @@ String String::stringByStandardizingPath() const {
 String String::stringByResolvingSymlinksInPath() const {
   const String standard = stringByStandardizingPath();
   if (!standard.units().starts_with(u"/")) return standard;
-  // Resolve the longest existing prefix with realpath, then add what does not exist.
+  // Resolve the longest existing prefix, then add what does not exist.
   const auto parts = namedComponents(standard.units());
+  FileManager& fileManager = FileManager::defaultManager();
   for (std::size_t keep = parts.size() + 1; keep-- > 0;) {
     const std::vector<std::u16string_view> head(parts.begin(),
                                                 parts.begin() + static_cast<std::ptrdiff_t>(keep));
-    char resolved[PATH_MAX];
-    if (!realpath(String(joined(head, true)).utf8().c_str(), resolved)) continue;
-    std::u16string out(String(resolved).units());
+    const String resolved = fileManager.realPathOfItemAtPath(String(joined(head, true)));
+    if (resolved.isNil()) continue;
+    std::u16string out(resolved.units());
     for (std::size_t i = keep; i < parts.size(); ++i) {
       if (out.back() != u'/') out.push_back(u'/');
       out.append(parts[i]);

@@ -1,6 +1,5 @@
 #include "tarnvik/platform/net/url.hpp"
 
-#include <sys/stat.h>
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
 #include <uriparser/Uri.h>
@@ -151,8 +150,9 @@ URL URL::fileURLWithPath(const String& path) {
         FileManager::defaultManager().currentDirectoryPath().stringByAppendingPathComponent(path);
   }
   std::string filename = absolute.utf8();
-  struct stat info {};
-  if (::stat(filename.c_str(), &info) == 0 && S_ISDIR(info.st_mode) && !filename.ends_with("/"))
+  bool isDirectory = false;
+  if (FileManager::defaultManager().fileExistsAtPath(absolute, &isDirectory) && isDirectory &&
+      !filename.ends_with("/"))
     filename += "/";
   std::string text(filename.size() * 3 + 8, '\0');
   if (uriUnixFilenameToUriStringA(filename.c_str(), text.data()) != URI_SUCCESS) return URL();

@@ -4,15 +4,14 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <filesystem>
 #include <map>
 #include <mutex>
 
+#include "tarnvik/platform/base/file_manager.hpp"
+#include "tarnvik/platform/base/internal/message.hpp"
 #include "tarnvik/platform/system/internal/strings_file.hpp"
 
 namespace tarnvik {
-
-namespace fs = std::filesystem;
 
 struct BundleStorage {
   std::string path;
@@ -26,8 +25,11 @@ struct BundleStorage {
     std::lock_guard lock(tablesLock);
     const auto found = tables.find(file);
     if (found != tables.end()) return found->second;
-    std::error_code ec;
-    Dictionary table = fs::is_regular_file(file, ec) ? strings_file::readTable(file) : Dictionary();
+    FileAttributes attributes;
+    const bool regular =
+        FileManager::defaultManager().attributesOfItemAtPath(String(file), true, &attributes) &&
+        attributes.type == FileType::Regular;
+    Dictionary table = regular ? strings_file::readTable(String(file)) : Dictionary();
     tables.emplace(file, table);
     return table;
   }
@@ -35,41 +37,52 @@ struct BundleStorage {
 
 namespace {
 
-std::string firstExisting(std::initializer_list<fs::path> candidates, bool wantFolder) {
-  std::error_code ec;
-  for (const fs::path& p : candidates) {
-    if (wantFolder ? fs::is_directory(p, ec) : fs::is_regular_file(p, ec)) return p.string();
+String firstExisting(std::initializer_list<String> candidates, bool wantFolder) {
+  for (const String& path : candidates) {
+    bool isDirectory = false;
+    if (FileManager::defaultManager().fileExistsAtPath(path, &isDirectory) &&
+        isDirectory == wantFolder) {
+      return path;
+    }
   }
-  return {};
+  return String();
 }
 
-std::shared_ptr<const BundleStorage> loadBundle(const fs::path& folder) {
+String under(const String& folder, std::initializer_list<const char16_t*> components) {
+  String path = folder;
+  for (const char16_t* component : components)
+    path = path.stringByAppendingPathComponent(component);
+  return path;
+}
+
+std::shared_ptr<const BundleStorage> loadBundle(const String& folder) {
   auto storage = std::make_shared<BundleStorage>();
-  storage->path = folder.string();
-  storage->resources =
-      firstExisting({folder / "Contents" / "Resources", folder / "Resources"}, true);
-  if (storage->resources.empty()) storage->resources = storage->path;
-  const std::string infoPath =
-      firstExisting({folder / "Info.plist", folder / "Resources" / "Info.plist",
-                     folder / "Contents" / "Info.plist"},
+  storage->path = folder.utf8();
+  const String resources = firstExisting(
+      {under(folder, {u"Contents", u"Resources"}), under(folder, {u"Resources"})}, true);
+  storage->resources = resources.isNil() ? storage->path : resources.utf8();
+  const String infoPath =
+      firstExisting({under(folder, {u"Info.plist"}), under(folder, {u"Resources", u"Info.plist"}),
+                     under(folder, {u"Contents", u"Info.plist"})},
                     false);
-  if (!infoPath.empty()) storage->info = strings_file::readTable(infoPath);
+  if (!infoPath.isNil()) storage->info = strings_file::readTable(infoPath);
   if (storage->info.isNil()) storage->info = Dictionary::dictionary();
   return storage;
 }
 
-fs::path executablePath() {
-  std::error_code ec;
-  fs::path exe = fs::read_symlink("/proc/self/exe", ec);
-  return ec ? fs::path() : exe;
+String executablePath() {
+  return FileManager::defaultManager().destinationOfSymbolicLinkAtPath(u"/proc/self/exe");
 }
 
-fs::path defaultMainBundleFolder() {
-  const fs::path folder = executablePath().parent_path();
-  if (folder.filename() == "MacOS" && folder.parent_path().filename() == "Contents") {
-    return folder.parent_path().parent_path();
+String defaultMainBundleFolder() {
+  const String exe = executablePath();
+  const String folder = exe.isEmpty() ? String() : exe.stringByDeletingLastPathComponent();
+  const String contents = folder.stringByDeletingLastPathComponent();
+  if (folder.lastPathComponent() == String(u"MacOS") &&
+      contents.lastPathComponent() == String(u"Contents")) {
+    return contents.stringByDeletingLastPathComponent();
   }
-  return folder.empty() ? fs::current_path() : folder;
+  return folder.isEmpty() ? FileManager::defaultManager().currentDirectoryPath() : folder;
 }
 
 std::mutex mainBundleLock;
@@ -100,10 +113,12 @@ void Bundle::setMainBundle(const Bundle& bundle) {
 }
 
 Bundle Bundle::bundleWithPath(const String& path) {
-  std::error_code ec;
-  if (path.isEmpty() || !fs::is_directory(path.utf8(), ec)) return Bundle();
+  bool isDirectory = false;
+  if (!FileManager::defaultManager().fileExistsAtPath(path, &isDirectory) || !isDirectory) {
+    return Bundle();
+  }
   Bundle bundle;
-  bundle.storage_ = loadBundle(fs::path(path.utf8()));
+  bundle.storage_ = loadBundle(path);
   return bundle;
 }
 
@@ -122,19 +137,22 @@ String Bundle::bundleIdentifier() const {
 
 String Bundle::pathForResource(const String& name, const String& extension) const {
   if (!storage_ || name.isEmpty()) return String();
-  std::string file = name.utf8();
-  if (!extension.isEmpty()) file += "." + extension.utf8();
-  const fs::path candidate = fs::path(storage_->resources) / file;
-  std::error_code ec;
-  return fs::exists(candidate, ec) ? String(candidate.string()) : String();
+  String file = name;
+  if (!extension.isEmpty()) file = message::build(name, u".", extension);
+  const String candidate = String(storage_->resources).stringByAppendingPathComponent(file);
+  return FileManager::defaultManager().fileExistsAtPath(candidate) ? candidate : String();
 }
 
 Array Bundle::localizations() const {
   Array names = Array::array();
   if (!storage_) return names;
-  std::error_code ec;
-  for (const auto& entry : fs::directory_iterator(storage_->resources, ec)) {
-    if (entry.path().extension() == ".lproj") names.addObject(String(entry.path().stem().string()));
+  const Array entries =
+      FileManager::defaultManager().contentsOfDirectoryAtPath(String(storage_->resources));
+  for (const Value& entry : entries) {
+    const String name = entry.asString();
+    if (name.pathExtension() == String(u"lproj")) {
+      names.addObject(name.stringByDeletingPathExtension());
+    }
   }
   names.sortUsingComparator([](const Value& a, const Value& b) { return a.compare(b); });
   return names;
@@ -160,8 +178,8 @@ String Bundle::localizedStringForKey(const String& key, const String& value,
     }
     languages.insert(languages.end(), {"en", "English", "Base"});
     for (const std::string& language : languages) {
-      const fs::path file = fs::path(storage_->resources) / (language + ".lproj") / tableName;
-      const String translation = storage_->table(file.string()).objectForKey(key).asString();
+      const std::string file = storage_->resources + "/" + language + ".lproj/" + tableName;
+      const String translation = storage_->table(file).objectForKey(key).asString();
       if (!translation.isNil()) return translation;
     }
   }
@@ -199,8 +217,8 @@ Array preferredLanguages() {
 }
 
 String ProcessInfo::processName() {
-  const fs::path exe = executablePath();
-  if (!exe.empty()) return String(exe.filename().string());
+  const String exe = executablePath();
+  if (!exe.isEmpty()) return exe.lastPathComponent();
   return String(program_invocation_short_name);
 }
 

@@ -3,11 +3,9 @@
 #include <plist/plist.h>
 
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
-#include <sstream>
 
 #include "tarnvik/platform/base/data.hpp"
+#include "tarnvik/platform/base/file_manager.hpp"
 #include "tarnvik/platform/base/internal/unicode.hpp"
 
 namespace tarnvik::strings_file {
@@ -234,10 +232,10 @@ Dictionary parsePropertyListDictionary(const std::string& bytes) {
   return value.asDictionary();
 }
 
-Dictionary readTable(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return Dictionary();
-  const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+Dictionary readTable(const String& path) {
+  const Data contents = FileManager::defaultManager().contentsAtPath(path);
+  if (contents.isNil()) return Dictionary();
+  const std::string bytes(contents.asStringView());
   std::string_view head(bytes);
   while (!head.empty() && (head.front() == ' ' || head.front() == '\n' || head.front() == '\t' ||
                            head.front() == '\r'))

@@ -15,7 +15,8 @@ Dictionary parseStringsText(const std::string& bytes);
 // An XML or binary property list whose root is a dictionary, converted to Values; nil when
 // the bytes are not such a list.
 Dictionary parsePropertyListDictionary(const std::string& bytes);
-// Either of the above, by the first bytes; nil when the file cannot be read or parsed.
-Dictionary readTable(const std::string& path);
+// Either of the above, by the first bytes; nil when the file cannot be read (through the
+// default file manager) or parsed.
+Dictionary readTable(const String& path);
 
 }  // namespace tarnvik::strings_file
