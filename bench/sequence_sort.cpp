@@ -9,7 +9,7 @@
 
 #include "tarnvik/platform/base/data.hpp"
 #include "tarnvik/platform/base/string.hpp"
-#include "tarnvik/text/name_segments.hpp"
+#include "tarnvik/text/sequence_order.hpp"
 
 using namespace tarnvik;
 

@@ -5,6 +5,8 @@
 #include "tarnvik/platform/foundation.hpp"
 #include "tarnvik/text/affixes.hpp"
 #include "tarnvik/text/name_segments.hpp"
+#include "tarnvik/text/number_forms.hpp"
+#include "tarnvik/text/sequence_order.hpp"
 #include "tarnvik/text/unique_names.hpp"
 
 namespace {

@@ -12,8 +12,10 @@
 #include "tarnvik/text/backup_names.hpp"
 #include "tarnvik/text/formatting.hpp"
 #include "tarnvik/text/name_segments.hpp"
+#include "tarnvik/text/number_forms.hpp"
 #include "tarnvik/text/paths.hpp"
 #include "tarnvik/text/regex_matches.hpp"
+#include "tarnvik/text/sequence_order.hpp"
 #include "tarnvik/text/unique_names.hpp"
 
 namespace tarnvik {

@@ -40,13 +40,6 @@ std::size_t offsetWidth(std::size_t offset) {
   return std::max<std::size_t>(digits, 4);
 }
 
-int hexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
-
 }  // namespace
 
 String hexString(const Data& data) {
@@ -126,7 +119,8 @@ Data ke_dataFromHexString(const String& text) {
   for (std::size_t i = 0; i < pairs; ++i) {
     const char pair[3] = {static_cast<char>(units[2 * i] & 0xFF),
                           static_cast<char>(units[2 * i + 1] & 0xFF), '\0'};
-    const int high = hexDigit(pair[0]), low = hexDigit(pair[1]);
+    const int high = hexDigitValue(static_cast<unsigned char>(pair[0])),
+              low = hexDigitValue(static_cast<unsigned char>(pair[1]));
     if (high >= 0 && low >= 0) {
       bytes.push_back(static_cast<std::uint8_t>(high << 4 | low));
     } else {
@@ -152,8 +146,7 @@ String hexstringWithBytes(const void* bytes, std::size_t length) {
 }
 
 Data noCopySubdataWithRange(const Data& data, Range range) {
-  const bool inside =
-      range.location <= data.length() && range.length <= data.length() - range.location;
+  const bool inside = rangeFitsInLength(range, data.length());
   if (!inside) {
     KU_ASSERT(inside, u"-[NSData(KUDataExtensions) noCopySubdataWithRange:]", Value(data),
               u"given range for subdata is outside of available data");

@@ -116,7 +116,7 @@ String stringByTrimmingAllWhitespaces(const String& text) {
 
 static void checkRangeAgainst(const String& text, Range range) {
   if (range.location == NSNotFound) raiseRange(u"range.location must not be NSNotFound");
-  if (range.location > text.length() || range.length > text.length() - range.location) {
+  if (!rangeFitsInLength(range, text.length())) {
     raiseRange(u"range lies outside range of receiver");
   }
 }

@@ -34,13 +34,6 @@ bool isValidURL(const std::string& text) {
   return ok;
 }
 
-int hexValue(char16_t c) {
-  if (c >= u'0' && c <= u'9') return c - u'0';
-  if (c >= u'a' && c <= u'f') return c - u'a' + 10;
-  if (c >= u'A' && c <= u'F') return c - u'A' + 10;
-  return -1;
-}
-
 constexpr char kHex[] = "0123456789ABCDEF";
 
 void appendEscaped(std::u16string& out, unsigned char byte) {
@@ -326,7 +319,7 @@ bool decodePercentEscapes(std::u16string_view units, bool plusAsSpace, std::u16s
     bytes.clear();
     while (i < units.size() && units[i] == u'%') {
       if (i + 2 >= units.size()) return false;
-      const int high = hexValue(units[i + 1]), low = hexValue(units[i + 2]);
+      const int high = hexDigitValue(units[i + 1]), low = hexDigitValue(units[i + 2]);
       if (high < 0 || low < 0) return false;
       bytes.push_back(static_cast<char>(high << 4 | low));
       i += 3;

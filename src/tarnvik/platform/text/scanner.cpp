@@ -120,12 +120,7 @@ bool Scanner::scanHexLongLong(unsigned long long* into) {
       (units[at + 1] == u'x' || units[at + 1] == u'X')) {
     at += 2;
   }
-  auto digit = [](char16_t c) -> int {
-    if (c >= u'0' && c <= u'9') return c - u'0';
-    if (c >= u'a' && c <= u'f') return c - u'a' + 10;
-    if (c >= u'A' && c <= u'F') return c - u'A' + 10;
-    return -1;
-  };
+  auto digit = [](char16_t c) { return hexDigitValue(c); };
   const UInteger digitsStart = at;
   unsigned long long value = 0;
   bool overflow = false;

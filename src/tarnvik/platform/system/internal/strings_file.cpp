@@ -124,10 +124,7 @@ class StringsParser {
           int digits = 0;
           for (; digits < 4 && at_ < text_.size(); ++digits, ++at_) {
             const char16_t h = text_[at_];
-            const int d = (h >= u'0' && h <= u'9')   ? h - u'0'
-                          : (h >= u'a' && h <= u'f') ? h - u'a' + 10
-                          : (h >= u'A' && h <= u'F') ? h - u'A' + 10
-                                                     : -1;
+            const int d = hexDigitValue(h);
             if (d < 0) break;
             code = code * 16 + static_cast<unsigned>(d);
           }
