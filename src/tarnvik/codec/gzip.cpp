@@ -13,6 +13,18 @@ namespace {
 // The version handed to zlib's initialisers, as the library was first built against.
 constexpr const char* kZlibVersion = "1.2.5";
 constexpr std::size_t kPackIncrement = 16384;
+// zlib's window bits: 15 (a 32 KiB window) plus 16 writes a gzip wrapper, plus 32 reads
+// either a zlib or a gzip wrapper, whichever the data has.
+constexpr int kGzipWindowBits = 15 + 16;
+constexpr int kAutoDetectWindowBits = 15 + 32;
+// The deflate memory level zlib uses by default (a 128 KiB hash state).
+constexpr int kDefaultMemoryLevel = 8;
+// The smallest gzip member: a 10-byte header and an 8-byte trailer.
+constexpr std::size_t kGzipMinimumSize = 18;
+constexpr std::uint8_t kGzipMagic[2] = {0x1F, 0x8B};
+// Deflate can shrink data by at most about 1032:1; a trailer that states more than that
+// lies, and reserving what it states would only waste memory.
+constexpr std::size_t kDeflateMaximumRatio = 1032;
 
 // zlib counts in 32-bit units; larger buffers are fed in slices.
 constexpr std::size_t kMaxChunk = UINT_MAX;
@@ -24,8 +36,9 @@ uInt clampChunk(std::size_t n) { return static_cast<uInt>(std::min(n, kMaxChunk)
 Data gzipPackedData(const Data& data) {
   if (data.isEmpty()) return data;
   z_stream stream{};
-  if (deflateInit2_(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, 31, 8, Z_DEFAULT_STRATEGY,
-                    kZlibVersion, static_cast<int>(sizeof(z_stream))) != Z_OK) {
+  if (deflateInit2_(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindowBits,
+                    kDefaultMemoryLevel, Z_DEFAULT_STRATEGY, kZlibVersion,
+                    static_cast<int>(sizeof(z_stream))) != Z_OK) {
     return Data();
   }
   // The output grows by 16 KiB whenever it is full; std::vector keeps the reallocations
@@ -62,17 +75,20 @@ Data gzipUnpackedData(const Data& data) {
   // A gzip trailer states the unpacked size (modulo 2^32): reserving it spares the copies of
   // growing. It is only a hint, bounded by deflate's largest ratio, and never changes the
   // result.
-  if (data.length() >= 18 && data.bytes()[0] == 0x1F && data.bytes()[1] == 0x8B) {
+  if (data.length() >= kGzipMinimumSize && data.bytes()[0] == kGzipMagic[0] &&
+      data.bytes()[1] == kGzipMagic[1]) {
     const std::uint8_t* tail = data.bytes() + data.length() - 4;
     const std::size_t stated =
         tail[0] | tail[1] << 8 | tail[2] << 16 | static_cast<std::size_t>(tail[3]) << 24;
-    if (stated > out.size() && stated / 1032 <= data.length()) out.reserve(stated + half);
+    if (stated > out.size() && stated / kDeflateMaximumRatio <= data.length())
+      out.reserve(stated + half);
   }
   z_stream stream{};
   const std::uint8_t* in = data.bytes();
   stream.next_in = const_cast<Bytef*>(in);
   stream.avail_in = clampChunk(data.length());
-  if (inflateInit2_(&stream, 47, kZlibVersion, static_cast<int>(sizeof(z_stream))) != Z_OK) {
+  if (inflateInit2_(&stream, kAutoDetectWindowBits, kZlibVersion,
+                    static_cast<int>(sizeof(z_stream))) != Z_OK) {
     return Data();
   }
   std::size_t consumed = 0, produced = 0;

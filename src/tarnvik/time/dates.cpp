@@ -6,9 +6,9 @@
 
 #include <cmath>
 #include <memory>
-#include <mutex>
 
 #include "tarnvik/platform/base/array.hpp"
+#include "tarnvik/platform/base/internal/icu_text.hpp"
 #include "tarnvik/platform/system/bundle.hpp"
 #include "tarnvik/platform/text/format.hpp"
 #include "tarnvik/platform/time/calendar.hpp"
@@ -72,7 +72,7 @@ const DayWords& dayWords() {
       icu::UnicodeString text;
       UErrorCode s = U_ZERO_ERROR;
       relative.format(direction, UDAT_ABSOLUTE_DAY, text, s);
-      return String(std::u16string_view(text.getBuffer(), static_cast<std::size_t>(text.length())));
+      return icu_text::fromICU(text);
     };
     if (U_SUCCESS(status)) {
       w->yesterday = word(UDAT_DIRECTION_LAST);

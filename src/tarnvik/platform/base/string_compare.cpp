@@ -20,6 +20,7 @@
 
 #include <algorithm>
 
+#include "tarnvik/platform/base/internal/icu_text.hpp"
 #include "tarnvik/platform/base/internal/ranges.hpp"
 #include "tarnvik/platform/base/string.hpp"
 
@@ -41,10 +42,9 @@ bool mayNeedDecomposition(std::u16string_view s) {
 
 std::u16string decomposed(std::u16string_view s) {
   UErrorCode status = U_ZERO_ERROR;
-  const icu::UnicodeString source(false, s.data(), static_cast<int32_t>(s.size()));
-  const icu::UnicodeString result = nfd().normalize(source, status);
+  const icu::UnicodeString result = nfd().normalize(icu_text::alias(s), status);
   if (U_FAILURE(status)) return std::u16string(s);
-  return std::u16string(result.getBuffer(), static_cast<std::size_t>(result.length()));
+  return icu_text::units(result);
 }
 
 UChar32 baseLetter(UChar32 c) {

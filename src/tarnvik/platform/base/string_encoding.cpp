@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "tarnvik/platform/base/data.hpp"
+#include "tarnvik/platform/base/internal/icu_text.hpp"
 #include "tarnvik/platform/base/internal/unicode.hpp"
 #include "tarnvik/platform/base/string.hpp"
 
@@ -25,9 +26,9 @@ std::u16string latinToASCII(std::u16string_view text) {
     return U_SUCCESS(status) ? std::move(t) : nullptr;
   }();
   thread_local std::unique_ptr<icu::Transliterator> mine(prototype ? prototype->clone() : nullptr);
-  icu::UnicodeString buffer(text.data(), static_cast<int32_t>(text.size()));
+  icu::UnicodeString buffer = icu_text::copy(text);
   if (mine) mine->transliterate(buffer);
-  return std::u16string(buffer.getBuffer(), static_cast<std::size_t>(buffer.length()));
+  return icu_text::units(buffer);
 }
 
 // One byte a code point: the code point when it is at most `highest`, else "?" (or failure

@@ -18,6 +18,9 @@ struct CompiledPattern {
 
 namespace {
 
+// NSFormattingError in NSCocoaErrorDomain: the pattern is not a valid expression.
+constexpr Integer kInvalidPatternErrorCode = 2048;
+
 uint32_t icuFlags(UInteger options) {
   uint32_t flags = 0;
   if (options & NSRegularExpressionCaseInsensitive) flags |= UREGEX_CASE_INSENSITIVE;
@@ -63,7 +66,7 @@ RegularExpression RegularExpression::regularExpressionWithPattern(const String& 
     if (error) {
       const String reason =
           stringWithFormat(u"%s at offset %d", u_errorName(status), parseError.offset);
-      *error = Error(NSCocoaErrorDomain, 2048,
+      *error = Error(NSCocoaErrorDomain, kInvalidPatternErrorCode,
                      Dictionary{{u"NSInvalidValue", compiled->source},
                                 {NSLocalizedFailureReasonErrorKey, reason}});
     }

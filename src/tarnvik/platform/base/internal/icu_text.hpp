@@ -7,20 +7,23 @@
 
 namespace tarnvik::icu_text {
 
-// A copy of the text.
-inline icu::UnicodeString copy(const String& text) {
-  const auto units = text.units();
+// A copy of the units.
+inline icu::UnicodeString copy(std::u16string_view units) {
   return icu::UnicodeString(units.data(), static_cast<int32_t>(units.size()));
 }
+inline icu::UnicodeString copy(const String& text) { return copy(text.units()); }
 
-// A read-only alias of the text; the String must outlive it.
-inline icu::UnicodeString alias(const String& text) {
-  const auto units = text.units();
+// A read-only alias of the units; they must outlive it.
+inline icu::UnicodeString alias(std::u16string_view units) {
   return icu::UnicodeString(false, units.data(), static_cast<int32_t>(units.size()));
 }
+inline icu::UnicodeString alias(const String& text) { return alias(text.units()); }
 
-inline String fromICU(const icu::UnicodeString& text) {
-  return String(std::u16string_view(text.getBuffer(), static_cast<std::size_t>(text.length())));
+// A view of ICU's units, valid while the UnicodeString lives unchanged.
+inline std::u16string_view view(const icu::UnicodeString& text) {
+  return {text.getBuffer(), static_cast<std::size_t>(text.length())};
 }
+inline std::u16string units(const icu::UnicodeString& text) { return std::u16string(view(text)); }
+inline String fromICU(const icu::UnicodeString& text) { return String(view(text)); }
 
 }  // namespace tarnvik::icu_text
