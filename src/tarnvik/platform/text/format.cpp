@@ -1,5 +1,7 @@
 #include "tarnvik/platform/text/format.hpp"
 
+#include <locale.h>
+
 #include <algorithm>
 #include <cctype>
 #include <charconv>
@@ -157,16 +159,12 @@ void appendInteger(std::u16string& out, const Directive& d, const FormatArgument
 }
 
 void appendFloating(std::u16string& out, const Directive& d, const FormatArgument& arg) {
-  std::u16string text;
-  appendPrintf(text, cFormatFor(d, static_cast<char>(d.conversion)), arg.asDouble());
-  // The platform always writes a full stop, whatever the C locale says.
-  const char* point = std::localeconv()->decimal_point;
-  if (point && point[0] && !(point[0] == '.' && point[1] == '\0') && point[1] == '\0') {
-    for (char16_t& c : text) {
-      if (c == static_cast<unsigned char>(point[0])) c = u'.';
-    }
-  }
-  out.append(text);
+  // The platform always writes a full stop, whatever the process's locale says: the
+  // conversion runs in the C locale, on this thread only.
+  static const locale_t cLocale = ::newlocale(LC_ALL_MASK, "C", nullptr);
+  const locale_t previous = ::uselocale(cLocale);
+  appendPrintf(out, cFormatFor(d, static_cast<char>(d.conversion)), arg.asDouble());
+  ::uselocale(previous);
 }
 
 void appendText(std::u16string& out, const Directive& d, std::u16string_view text) {
@@ -261,161 +259,183 @@ std::string FormatArgument::asCString() const {
 
 namespace {
 
+// A directive read from the format, with the argument it converts.
+struct Parsed {
+  Directive directive;
+  const FormatArgument* argument = nullptr;
+  // The directive is written out as it stands: unknown conversion, no argument left, or a
+  // width or position that does not fit.
+  bool asWritten = false;
+  // The format ends inside the directive.
+  bool truncated = false;
+  // Where the text after the directive starts.
+  std::size_t end = 0;
+};
+
+// Reads the directive that starts after the "%" at `percent`, taking the arguments it
+// consumes (for '*' and for the conversion) from `next` on.
+Parsed parseDirective(std::u16string_view f, std::size_t percent,
+                      std::span<const FormatArgument> arguments, std::size_t& next) {
+  Parsed parsed;
+  Directive& d = parsed.directive;
+  auto take = [&]() -> const FormatArgument* {
+    return next < arguments.size() ? &arguments[next++] : nullptr;
+  };
+  std::size_t j = percent + 1;
+  {  // "%n$"
+    std::size_t k = j;
+    int position = 0;
+    if (readNumber(f, k, position) && k > j && k < f.size() && f[k] == u'$') {
+      if (position >= 1 && static_cast<std::size_t>(position) <= arguments.size()) {
+        parsed.argument = &arguments[static_cast<std::size_t>(position) - 1];
+      } else {
+        parsed.asWritten = true;
+      }
+      j = k + 1;
+    }
+  }
+  for (; j < f.size(); ++j) {
+    const char16_t c = f[j];
+    if (c != u'-' && c != u'+' && c != u' ' && c != u'#' && c != u'0' && c != u'\'') break;
+    if (c == u'-') d.leftAlign = true;
+    d.flags.push_back(static_cast<char>(c));
+  }
+  if (j < f.size() && f[j] == u'*') {
+    ++j;
+    if (const FormatArgument* widthArg = take()) {
+      const std::int64_t w = std::clamp<std::int64_t>(widthArg->asSigned(), -100000, 100000);
+      d.hasWidth = true;
+      d.width = static_cast<int>(w < 0 ? -w : w);
+      if (w < 0) d.leftAlign = true;
+    } else {
+      parsed.asWritten = true;
+    }
+  } else if (j < f.size() && f[j] >= u'1' && f[j] <= u'9') {
+    d.hasWidth = readNumber(f, j, d.width);
+    if (!d.hasWidth) parsed.asWritten = true;
+  }
+  if (j < f.size() && f[j] == u'.') {
+    ++j;
+    d.hasPrecision = true;
+    if (j < f.size() && f[j] == u'*') {
+      ++j;
+      if (const FormatArgument* precisionArg = take()) {
+        const std::int64_t p = precisionArg->asSigned();
+        d.hasPrecision = p >= 0;
+        d.precision = static_cast<int>(std::min<std::int64_t>(p, 100000));
+      } else {
+        parsed.asWritten = true;
+      }
+    } else if (!readNumber(f, j, d.precision)) {
+      parsed.asWritten = true;
+    }
+  }
+  for (; j < f.size(); ++j) {
+    const char16_t c = f[j];
+    if (c == u'h') {
+      d.length = d.length == Length::Short ? Length::Char : Length::Short;
+    } else if (c == u'l' || c == u'q' || c == u'z' || c == u't' || c == u'j') {
+      d.length = Length::Long;
+    } else if (c == u'L') {
+      d.length = Length::LongDouble;
+    } else {
+      break;
+    }
+  }
+  if (j >= f.size()) {
+    parsed.truncated = true;
+    parsed.end = f.size();
+    return parsed;
+  }
+  d.conversion = f[j++];
+  parsed.end = j;
+  if (d.conversion == u'%') return parsed;
+  static constexpr std::u16string_view kKnown = u"diuxXocCs@fFeEgGaAp";
+  if (kKnown.find(d.conversion) == std::u16string_view::npos || parsed.asWritten) {
+    parsed.asWritten = true;
+    return parsed;
+  }
+  if (!parsed.argument) parsed.argument = take();
+  if (!parsed.argument) parsed.asWritten = true;
+  return parsed;
+}
+
+// Writes one converted argument.
+void appendConversion(std::u16string& out, const Directive& d, const FormatArgument& arg) {
+  switch (d.conversion) {
+    case u'd':
+    case u'i':
+    case u'u':
+    case u'x':
+    case u'X':
+    case u'o':
+      appendInteger(out, d, arg);
+      break;
+    case u'f':
+    case u'F':
+    case u'e':
+    case u'E':
+    case u'g':
+    case u'G':
+    case u'a':
+    case u'A':
+      appendFloating(out, d, arg);
+      break;
+    case u'c': {
+      const auto byte = static_cast<std::uint8_t>(arg.asSigned());
+      const char16_t unit = d.length == Length::Long ? static_cast<char16_t>(arg.asSigned())
+                                                     : static_cast<char16_t>(byte);
+      appendText(out, Directive{d.flags, d.leftAlign, d.hasWidth, d.width},
+                 std::u16string_view(&unit, 1));
+      break;
+    }
+    case u'C': {
+      const auto unit = static_cast<char16_t>(arg.asSigned());
+      appendText(out, Directive{d.flags, d.leftAlign, d.hasWidth, d.width},
+                 std::u16string_view(&unit, 1));
+      break;
+    }
+    case u's': {
+      const char* direct = arg.cString();
+      appendText(out, d,
+                 direct ? unicode::fromUTF8(direct, true, nullptr)
+                        : unicode::fromUTF8(arg.asCString(), true, nullptr));
+      break;
+    }
+    case u'@':
+      appendText(out, d, arg.asDescription().units());
+      break;
+    case u'p':
+      appendText(out, d, unicode::fromUTF8(pointerText(arg.asPointer()), true, nullptr));
+      break;
+    default:
+      break;
+  }
+}
+
 void formatInto(std::u16string& out, const String& format,
                 std::span<const FormatArgument> arguments) {
   const std::u16string_view f = format.units();
   out.reserve(out.size() + f.size() + arguments.size() * 8);
   std::size_t nextArgument = 0;
-  std::size_t i = 0;
-  while (i < f.size()) {
+  for (std::size_t i = 0; i < f.size();) {
     const std::size_t percent = f.find(u'%', i);
     if (percent == std::u16string_view::npos) {
       out.append(f.substr(i));
       break;
     }
     out.append(f.substr(i, percent - i));
-    std::size_t j = percent + 1;
-    auto copyDirective = [&] { out.append(f.substr(percent, j - percent)); };
-    auto take = [&](const FormatArgument** arg) {
-      if (nextArgument >= arguments.size()) return false;
-      *arg = &arguments[nextArgument++];
-      return true;
-    };
-
-    Directive d;
-    const FormatArgument* positional = nullptr;
-    bool missing = false;
-    {  // "%n$"
-      std::size_t k = j;
-      int position = 0;
-      if (readNumber(f, k, position) && k > j && k < f.size() && f[k] == u'$') {
-        if (position >= 1 && static_cast<std::size_t>(position) <= arguments.size()) {
-          positional = &arguments[static_cast<std::size_t>(position) - 1];
-        } else {
-          missing = true;
-        }
-        j = k + 1;
-      }
-    }
-    for (; j < f.size(); ++j) {
-      const char16_t c = f[j];
-      if (c != u'-' && c != u'+' && c != u' ' && c != u'#' && c != u'0' && c != u'\'') break;
-      if (c == u'-') d.leftAlign = true;
-      d.flags.push_back(static_cast<char>(c));
-    }
-    if (j < f.size() && f[j] == u'*') {
-      ++j;
-      const FormatArgument* widthArg = nullptr;
-      if (take(&widthArg)) {
-        const std::int64_t w = std::clamp<std::int64_t>(widthArg->asSigned(), -100000, 100000);
-        d.hasWidth = true;
-        d.width = static_cast<int>(w < 0 ? -w : w);
-        if (w < 0) d.leftAlign = true;
-      } else {
-        missing = true;
-      }
-    } else if (j < f.size() && f[j] >= u'1' && f[j] <= u'9') {
-      d.hasWidth = readNumber(f, j, d.width);
-      if (!d.hasWidth) missing = true;
-    }
-    if (j < f.size() && f[j] == u'.') {
-      ++j;
-      d.hasPrecision = true;
-      if (j < f.size() && f[j] == u'*') {
-        ++j;
-        const FormatArgument* precisionArg = nullptr;
-        if (take(&precisionArg)) {
-          const std::int64_t p = precisionArg->asSigned();
-          d.hasPrecision = p >= 0;
-          d.precision = static_cast<int>(std::min<std::int64_t>(p, 100000));
-        } else {
-          missing = true;
-        }
-      } else if (!readNumber(f, j, d.precision)) {
-        missing = true;
-      }
-    }
-    while (j < f.size()) {
-      const char16_t c = f[j];
-      if (c == u'h') {
-        d.length = d.length == Length::Short ? Length::Char : Length::Short;
-      } else if (c == u'l' || c == u'q' || c == u'z' || c == u't' || c == u'j') {
-        d.length = Length::Long;
-      } else if (c == u'L') {
-        d.length = Length::LongDouble;
-      } else {
-        break;
-      }
-      ++j;
-    }
-    if (j >= f.size()) {  // the text ends inside the directive
-      copyDirective();
-      break;
-    }
-    d.conversion = f[j++];
-    if (d.conversion == u'%') {
+    const Parsed parsed = parseDirective(f, percent, arguments, nextArgument);
+    if (parsed.truncated) {
+      out.append(f.substr(percent));
+    } else if (parsed.directive.conversion == u'%') {
       out.push_back(u'%');
-      i = j;
-      continue;
+    } else if (parsed.asWritten) {
+      out.append(f.substr(percent, parsed.end - percent));
+    } else {
+      appendConversion(out, parsed.directive, *parsed.argument);
     }
-    static constexpr std::u16string_view kKnown = u"diuxXocCs@fFeEgGaAp";
-    const FormatArgument* arg = positional;
-    if (kKnown.find(d.conversion) == std::u16string_view::npos || missing ||
-        (!arg && !take(&arg))) {
-      copyDirective();
-      i = j;
-      continue;
-    }
-    switch (d.conversion) {
-      case u'd':
-      case u'i':
-      case u'u':
-      case u'x':
-      case u'X':
-      case u'o':
-        appendInteger(out, d, *arg);
-        break;
-      case u'f':
-      case u'F':
-      case u'e':
-      case u'E':
-      case u'g':
-      case u'G':
-      case u'a':
-      case u'A':
-        appendFloating(out, d, *arg);
-        break;
-      case u'c': {
-        const auto byte = static_cast<std::uint8_t>(arg->asSigned());
-        const char16_t unit = d.length == Length::Long ? static_cast<char16_t>(arg->asSigned())
-                                                       : static_cast<char16_t>(byte);
-        appendText(out, Directive{d.flags, d.leftAlign, d.hasWidth, d.width},
-                   std::u16string_view(&unit, 1));
-        break;
-      }
-      case u'C': {
-        const auto unit = static_cast<char16_t>(arg->asSigned());
-        appendText(out, Directive{d.flags, d.leftAlign, d.hasWidth, d.width},
-                   std::u16string_view(&unit, 1));
-        break;
-      }
-      case u's': {
-        const char* direct = arg->cString();
-        appendText(out, d,
-                   direct ? unicode::fromUTF8(direct, true, nullptr)
-                          : unicode::fromUTF8(arg->asCString(), true, nullptr));
-        break;
-      }
-      case u'@':
-        appendText(out, d, arg->asDescription().units());
-        break;
-      case u'p':
-        appendText(out, d, unicode::fromUTF8(pointerText(arg->asPointer()), true, nullptr));
-        break;
-      default:
-        break;
-    }
-    i = j;
+    i = parsed.end;
   }
 }
 
