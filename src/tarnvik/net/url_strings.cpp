@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "tarnvik/core/checks.hpp"
+#include "tarnvik/platform/net/base64.hpp"
 #include "tarnvik/platform/text/format.hpp"
 
 namespace tarnvik {

@@ -25,6 +25,7 @@
 #include "tarnvik/platform/base/string.hpp"
 #include "tarnvik/platform/base/types.hpp"
 #include "tarnvik/platform/base/value.hpp"
+#include "tarnvik/platform/net/base64.hpp"
 #include "tarnvik/platform/net/url.hpp"
 #include "tarnvik/platform/net/url_request.hpp"
 #include "tarnvik/platform/system/bundle.hpp"

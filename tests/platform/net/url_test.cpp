@@ -87,28 +87,6 @@ TEST(PercentEncoding, AllowedSetsAndDecoding) {
 }
 
 // RFC 4648, section 10.
-TEST(Base64, TestVectorsAndTolerantDecoding) {
-  const std::pair<const char*, const char*> vectors[] = {{"", ""},
-                                                         {"f", "Zg=="},
-                                                         {"fo", "Zm8="},
-                                                         {"foo", "Zm9v"},
-                                                         {"foob", "Zm9vYg=="},
-                                                         {"fooba", "Zm9vYmE="},
-                                                         {"foobar", "Zm9vYmFy"}};
-  for (const auto& [plain, encoded] : vectors) {
-    const std::string_view bytes(plain);
-    EXPECT_EQ(base64EncodedStringFromBytes(
-                  std::span(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()))
-                  .utf8(),
-              encoded);
-    EXPECT_EQ(base64DecodedDataTolerant(encoded).asStringView(), plain);
-  }
-  EXPECT_EQ(base64DecodedDataTolerant("Zm9v\nYm Fy").asStringView(), "foobar");
-  EXPECT_EQ(base64DecodedDataTolerant("Zm9vYg").asStringView(), "foob");  // no padding
-  EXPECT_EQ(base64DecodedDataTolerant("Zm9vY").asStringView(), "foo");    // a lone last character
-  EXPECT_EQ(base64DecodedDataTolerant("\xDAm9v").asStringView(), "foo");  // 0xDA mod 128 is 'Z'
-}
-
 TEST(URLRequest, HeadersAppendAndMatchWithoutCase) {
   URLRequest request(URL::URLWithString(u"http://h/"));
   EXPECT_EQ(request.HTTPMethod().utf8(), "GET");

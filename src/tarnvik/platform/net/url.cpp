@@ -4,6 +4,7 @@
 #include <unicode/utf8.h>
 #include <uriparser/Uri.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <vector>
@@ -32,6 +33,20 @@ bool isValidURL(const std::string& text) {
   const bool ok = parses(text, uri);
   uriFreeUriMembersA(&uri);
   return ok;
+}
+
+// Offsets of a uriparser range in the text; absent for a missing range or one that does not
+// point into the text (uriparser's empty host is a static "").
+struct Span {
+  std::size_t first = std::string::npos, afterLast = std::string::npos;
+  bool present() const { return first != std::string::npos; }
+};
+
+Span spanOf(const UriTextRangeA& range, const std::string& text) {
+  const char* begin = text.data();
+  if (!range.first || range.first < begin || range.afterLast > begin + text.size()) return {};
+  return {static_cast<std::size_t>(range.first - begin),
+          static_cast<std::size_t>(range.afterLast - begin)};
 }
 
 constexpr char kHex[] = "0123456789ABCDEF";
@@ -96,8 +111,6 @@ String percentEncoded(const String& text, const std::array<bool, 128>& escape,
 
 constexpr std::u16string_view kNeverLegal = u" \"%<>\\^`{|}";
 
-const char16_t* kBase64 = u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-
 }  // namespace
 
 struct URL::Parts {
@@ -105,10 +118,66 @@ struct URL::Parts {
   bool hasAuthority = false;
 };
 
+const URL::Parts& URL::parts() const {
+  static const Parts none;
+  return parts_ ? *parts_ : none;
+}
+
 URL URL::URLWithString(const String& text) {
-  if (text.isNil() || !isValidURL(text.utf8())) return URL();
+  if (text.isNil()) return URL();
+  const std::string bytes = text.utf8();
+  if (bytes.empty() || std::any_of(bytes.begin(), bytes.end(), [](char c) { return c & 0x80; })) {
+    return URL();  // URLs are ASCII; anything else must be percent-encoded
+  }
+  UriUriA uri{};
+  if (!parses(bytes, uri)) {
+    uriFreeUriMembersA(&uri);
+    return URL();
+  }
+  auto parts = std::make_shared<Parts>();
+  auto piece = [&](Span span) {
+    return span.present() ? String(bytes.substr(span.first, span.afterLast - span.first))
+                          : String();
+  };
+  const Span scheme = spanOf(uri.scheme, bytes), userInfo = spanOf(uri.userInfo, bytes),
+             host = spanOf(uri.hostText, bytes), port = spanOf(uri.portText, bytes),
+             query = spanOf(uri.query, bytes), fragment = spanOf(uri.fragment, bytes);
+  const bool bracketed = uri.hostData.ip6 || uri.hostData.ipFuture.first;
+  parts->scheme = piece(scheme);
+  parts->query = piece(query);
+  parts->fragment = piece(fragment);
+  parts->hasAuthority = uri.hostText.first != nullptr;
+  std::size_t pathStart = scheme.present() ? scheme.afterLast + 1 : 0;
+  if (parts->hasAuthority) {
+    pathStart += 2;  // "//"
+    if (userInfo.present()) {
+      const std::string info = bytes.substr(userInfo.first, userInfo.afterLast - userInfo.first);
+      const std::size_t colon = info.find(':');
+      parts->user = String(info.substr(0, colon));
+      if (colon != std::string::npos) parts->password = String(info.substr(colon + 1));
+      pathStart = userInfo.afterLast + 1;
+    }
+    parts->host = String(u"");
+    if (host.present()) {
+      // An IPv6 or future literal keeps its brackets.
+      parts->host = bracketed
+                        ? String(bytes.substr(host.first - 1, host.afterLast - host.first + 2))
+                        : piece(host);
+      pathStart = host.afterLast + (bracketed ? 1 : 0);
+    }
+    if (port.present()) {
+      parts->port = piece(port);
+      pathStart = port.afterLast;
+    }
+  }
+  const std::size_t pathEnd = query.present()      ? query.first - 1
+                              : fragment.present() ? fragment.first - 1
+                                                   : bytes.size();
+  parts->path = String(bytes.substr(pathStart, pathEnd - pathStart));
+  uriFreeUriMembersA(&uri);
   URL url;
   url.absolute_ = text;
+  url.parts_ = std::move(parts);
   return url;
 }
 
@@ -153,86 +222,33 @@ URL URL::fileURLWithPath(const String& path) {
   return URLWithString(String(text));
 }
 
-URL::Parts URL::split() const {
-  Parts parts;
-  std::u16string_view rest = absolute_.units();
-  if (const auto hash = rest.find(u'#'); hash != std::u16string_view::npos) {
-    parts.fragment = String(rest.substr(hash + 1));
-    rest = rest.substr(0, hash);
-  }
-  if (const auto question = rest.find(u'?'); question != std::u16string_view::npos) {
-    parts.query = String(rest.substr(question + 1));
-    rest = rest.substr(0, question);
-  }
-  const auto colon = rest.find(u':');
-  const auto firstSlash = rest.find(u'/');
-  if (colon != std::u16string_view::npos && colon > 0 &&
-      (firstSlash == std::u16string_view::npos || colon < firstSlash)) {
-    parts.scheme = String(rest.substr(0, colon));
-    rest = rest.substr(colon + 1);
-  }
-  if (rest.starts_with(u"//")) {
-    parts.hasAuthority = true;
-    rest = rest.substr(2);
-    const auto end = std::min(rest.find(u'/'), rest.size());
-    std::u16string_view authority = rest.substr(0, end);
-    rest = rest.substr(end);
-    if (const auto at = authority.rfind(u'@'); at != std::u16string_view::npos) {
-      const std::u16string_view info = authority.substr(0, at);
-      const auto separator = info.find(u':');
-      parts.user = String(info.substr(0, separator));
-      if (separator != std::u16string_view::npos)
-        parts.password = String(info.substr(separator + 1));
-      authority = authority.substr(at + 1);
-    }
-    std::size_t portColon = std::u16string_view::npos;
-    if (authority.starts_with(u"[")) {
-      const auto close = authority.find(u']');
-      if (close != std::u16string_view::npos && close + 1 < authority.size() &&
-          authority[close + 1] == u':') {
-        portColon = close + 1;
-      }
-    } else {
-      portColon = authority.rfind(u':');
-    }
-    parts.host = String(authority.substr(0, portColon));
-    if (portColon != std::u16string_view::npos)
-      parts.port = String(authority.substr(portColon + 1));
-  }
-  parts.path = String(rest);
-  return parts;
-}
-
 bool URL::isFileURL() const { return scheme().caseInsensitiveCompare(u"file") == NSOrderedSame; }
 
-String URL::scheme() const { return split().scheme; }
+String URL::scheme() const { return parts().scheme; }
 
 String URL::user() const {
-  const String user = split().user;
+  const String user = parts().user;
   const String decoded = stringByRemovingPercentEncoding(user);
   return decoded.isNil() ? user : decoded;
 }
 
 String URL::password() const {
-  const String password = split().password;
+  const String password = parts().password;
   const String decoded = stringByRemovingPercentEncoding(password);
   return decoded.isNil() ? password : decoded;
 }
 
-String URL::host() const {
-  const Parts parts = split();
-  return parts.hasAuthority ? parts.host : String();
-}
+String URL::host() const { return parts().hasAuthority ? parts().host : String(); }
 
 Value URL::port() const {
-  const String port = split().port;
+  const String port = parts().port;
   if (port.isEmpty()) return Value();
   return Value(port.integerValue());
 }
 
 String URL::path() const {
   if (isNil()) return String();
-  String path = split().path;
+  String path = parts().path;
   const Range semicolon = path.rangeOfString(u";");
   const Range lastSlash = path.rangeOfString(u"/", NSBackwardsSearch);
   if (semicolon.location != NSNotFound &&
@@ -244,15 +260,15 @@ String URL::path() const {
 }
 
 String URL::parameterString() const {
-  const String path = split().path;
+  const String path = parts().path;
   const Range lastSlash = path.rangeOfString(u"/", NSBackwardsSearch);
   const UInteger segmentStart = lastSlash.location == NSNotFound ? 0 : lastSlash.end();
   const Range semicolon = path.rangeOfString(u";", 0, {segmentStart, path.length() - segmentStart});
   return semicolon.location == NSNotFound ? String() : path.substringFromIndex(semicolon.end());
 }
 
-String URL::query() const { return split().query; }
-String URL::fragment() const { return split().fragment; }
+String URL::query() const { return parts().query; }
+String URL::fragment() const { return parts().fragment; }
 
 Value URL::valueForKey(const String& key) const {
   if (key == String(u"scheme")) return scheme();
@@ -345,56 +361,6 @@ CharacterSet URLQueryAllowedCharacterSet() {
   static const CharacterSet set = CharacterSet::characterSetWithCharactersInString(
       u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~!$&'()*+,;=:@/?");
   return set;
-}
-
-String base64EncodedStringFromBytes(std::span<const std::uint8_t> bytes) {
-  std::u16string out;
-  out.reserve((bytes.size() + 2) / 3 * 4);
-  std::size_t i = 0;
-  for (; i + 2 < bytes.size(); i += 3) {
-    const std::uint32_t v = bytes[i] << 16 | bytes[i + 1] << 8 | bytes[i + 2];
-    for (int shift = 18; shift >= 0; shift -= 6) out.push_back(kBase64[(v >> shift) & 63]);
-  }
-  const std::size_t left = bytes.size() - i;
-  if (left > 0) {
-    const std::uint32_t v = bytes[i] << 16 | (left > 1 ? bytes[i + 1] << 8 : 0);
-    out.push_back(kBase64[(v >> 18) & 63]);
-    out.push_back(kBase64[(v >> 12) & 63]);
-    out.push_back(left > 1 ? kBase64[(v >> 6) & 63] : u'=');
-    out.push_back(u'=');
-  }
-  return String(std::move(out));
-}
-
-Data base64DecodedDataTolerant(std::string_view text) {
-  static const auto table = [] {
-    std::array<int, 128> t{};
-    t.fill(-1);
-    for (int i = 0; i < 64; ++i) t[static_cast<std::size_t>(kBase64[i])] = i;
-    return t;
-  }();
-  ByteBuffer out;
-  out.reserve(text.size() / 4 * 3 + 3);
-  std::uint32_t group = 0;
-  int count = 0;
-  for (const char c : text) {
-    const int v = table[static_cast<unsigned char>(c) % 128];
-    if (v < 0) continue;
-    group = group << 6 | static_cast<std::uint32_t>(v);
-    if (++count == 4) {
-      out.push_back(static_cast<std::uint8_t>(group >> 16));
-      out.push_back(static_cast<std::uint8_t>(group >> 8));
-      out.push_back(static_cast<std::uint8_t>(group));
-      group = 0;
-      count = 0;
-    }
-  }
-  if (count == 2) out.push_back(static_cast<std::uint8_t>(group >> 4));
-  if (count == 3) {
-    out.push_back(static_cast<std::uint8_t>(group >> 10));
-    out.push_back(static_cast<std::uint8_t>(group >> 2));
-  }
-  return Data::withBuffer(std::move(out));
 }
 
 }  // namespace tarnvik

@@ -1,6 +1,5 @@
 // URL: an RFC 3986 URL (parsed with uriparser) that keeps the text it was made from, with
-// the platform's component accessors, file URLs and relative resolution; percent encoding
-// and base64 of bytes.
+// the platform's component accessors, file URLs and relative resolution; percent encoding.
 //
 //   URL url = URL::URLWithString(u"http://user:pw@host:8080/a/b;p?x=1#top");
 //   url.port().intValue();   // 8080
@@ -8,6 +7,7 @@
 #pragma once
 
 #include <array>
+#include <memory>
 
 #include "tarnvik/platform/base/character_set.hpp"
 #include "tarnvik/platform/base/data.hpp"
@@ -59,8 +59,11 @@ class URL {
 
  private:
   struct Parts;
-  Parts split() const;
+  // The components, or empty ones for a nil URL.
+  const Parts& parts() const;
   String absolute_;
+  // The components as uriparser found them, filled once when the URL is made.
+  std::shared_ptr<const Parts> parts_;
 };
 
 // Percent encoding of the text's UTF-8 bytes: every character outside the allowed set
@@ -90,12 +93,5 @@ String stringByRemovingPercentEncoding(const String& text);
 bool decodePercentEscapes(std::u16string_view units, bool plusAsSpace, std::u16string& out);
 // The characters a query may hold unescaped: letters, digits and -._~!$&'()*+,;=:@/?
 CharacterSet URLQueryAllowedCharacterSet();
-
-// Base64 (RFC 4648, standard alphabet, "=" padding, no line breaks).
-String base64EncodedStringFromBytes(std::span<const std::uint8_t> bytes);
-// The tolerant decoder: each byte, taken modulo 128, is looked up; bytes outside the
-// alphabet ("=", blanks, anything else) are skipped; four characters give three bytes, a
-// final two one byte, a final three two bytes, and a lone final character is dropped.
-Data base64DecodedDataTolerant(std::string_view text);
 
 }  // namespace tarnvik
