@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/raised.hpp"
 #include "tarnvik/platform/base/error.hpp"
 
 namespace tarnvik {
@@ -43,13 +44,8 @@ TEST(HexForms, DumpLinesCarryOffsetHexAndText) {
 }
 
 TEST(HexForms, ZeroLengthIsACallerError) {
-  try {
-    hexBlockWithASCIIStringOfLength(bytes("x"), 0);
-    FAIL() << "no assertion";
-  } catch (const Exception& e) {
-    EXPECT_EQ(e.name().utf8(), "NSInternalInconsistencyException");
-    EXPECT_EQ(e.reason().utf8(), "Invalid parameter not satisfying: length > 0");
-  }
+  EXPECT_EQ(testing::raised([] { hexBlockWithASCIIStringOfLength(bytes("x"), 0); }),
+            "NSInternalInconsistencyException: Invalid parameter not satisfying: length > 0");
   EXPECT_THROW(hexBlockStringOfLength(bytes("x"), 0), Exception);
   EXPECT_EQ(hexBlockStringOfLength(Data::data(), 0).utf8(), "");
 }
@@ -85,12 +81,11 @@ TEST(NoCopySubdata, ViewsShareTheBytesAndCheckTheRange) {
   const Data tail = noCopySubdataWithRange(data, {7, 3});
   EXPECT_EQ(tail.asStringView(), "789");
   EXPECT_EQ(tail.bytes(), data.bytes() + 7);
-  try {
-    noCopySubdataWithRange(data, {8, 3});
-    FAIL() << "no assertion";
-  } catch (const Exception& e) {
-    EXPECT_EQ(e.reason().utf8(), "given range for subdata is outside of available data");
-  }
+  EXPECT_EQ(testing::raised([&] {
+              noCopySubdataWithRange(data, {8, 3});
+            }),
+            "NSInternalInconsistencyException: given range for subdata is outside of available "
+            "data");
   EXPECT_THROW(noCopySubdataWithRange(data, {NSNotFound, 2}), Exception);
 }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/raised.hpp"
+
 namespace tarnvik {
 namespace {
 
@@ -34,32 +36,26 @@ class InstalledHandler : public ::testing::Test {
 };
 
 TEST(Preconditions, ExceptionsCarryTheirNameAndExactText) {
+  EXPECT_EQ(testing::raised([] { raiseInvalidArgumentFormat(u"%@ is not a prefix", u"A0"); }),
+            "NSInvalidArgumentException: A0 is not a prefix");
   try {
     raiseInvalidArgumentFormat(u"%@ is not a prefix", u"A0");
-    FAIL();
   } catch (const Exception& e) {
-    EXPECT_EQ(e.name().utf8(), "NSInvalidArgumentException");
-    EXPECT_EQ(e.reason().utf8(), "A0 is not a prefix");
     EXPECT_TRUE(e.userInfo().isNil());
     EXPECT_STREQ(e.what(), "A0 is not a prefix");
   }
-  try {
-    raiseRangeFormat(u"Requested startingIndex %lu is >= than array count %lu", 5ul, 3ul);
-    FAIL();
-  } catch (const Exception& e) {
-    EXPECT_EQ(e.name().utf8(), "NSRangeException");
-    EXPECT_EQ(e.reason().utf8(), "Requested startingIndex 5 is >= than array count 3");
-  }
+  EXPECT_EQ(testing::raised([] {
+              raiseRangeFormat(u"Requested startingIndex %lu is >= than array count %lu", 5ul, 3ul);
+            }),
+            "NSRangeException: Requested startingIndex 5 is >= than array count 3");
 }
 
 TEST(Preconditions, TheDefaultHandlerRaisesAnInconsistency) {
-  try {
-    KU_ASSERT(false, u"-[NSString(KU) hexValue]", Value(u"ABC"), u"invalid character %c", 'G');
-    FAIL();
-  } catch (const Exception& e) {
-    EXPECT_EQ(e.name().utf8(), "NSInternalInconsistencyException");
-    EXPECT_EQ(e.reason().utf8(), "invalid character G");
-  }
+  EXPECT_EQ(testing::raised([] {
+              KU_ASSERT(false, u"-[NSString(KU) hexValue]", Value(u"ABC"), u"invalid character %c",
+                        'G');
+            }),
+            "NSInternalInconsistencyException: invalid character G");
 }
 
 TEST_F(InstalledHandler, ReceivesOperationObjectFileLineAndText) {

@@ -1,7 +1,9 @@
 #include "tarnvik/text/formatting.hpp"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/raised.hpp"
 #include "support/temp_dir.hpp"
 #include "tarnvik/platform/base/error.hpp"
 #include "tarnvik/platform/system/bundle.hpp"
@@ -78,12 +80,9 @@ TEST(GuardedReplacement, FallsBackToTheAlternative) {
       stringByReplacingOccurencesOfString(u"a\u0378b\u0007<n>", u"<n>", u"c\uFFFF", u"x", true)
           .utf8(),
       "abc");
-  try {
-    stringByReplacingOccurencesOfString(u"a", u"a", u"b", String(), false);
-    FAIL();
-  } catch (const Exception& e) {
-    EXPECT_EQ(e.reason().utf8(), "Alternative string must not be nil");
-  }
+  EXPECT_EQ(testing::raised(
+                [] { stringByReplacingOccurencesOfString(u"a", u"a", u"b", String(), false); }),
+            "NSInvalidArgumentException: Alternative string must not be nil");
   EXPECT_EQ(stringByReplacingOccurrencesOfString(u"x<y", u"<", u"<", true).utf8(), "x&lt;y");
   EXPECT_EQ(stringByReplacingOccurrencesOfString(u"x<y", u"<", u"<", false).utf8(), "x<y");
 }
@@ -92,15 +91,10 @@ TEST(PatternTest, AnchoredAtTheStartOnly) {
   EXPECT_TRUE(matchesRegularExpressionPattern(u"clip01", u"clip"));
   EXPECT_FALSE(matchesRegularExpressionPattern(u"my clip", u"clip"));
   EXPECT_FALSE(matchesRegularExpressionPattern(u"clip01", u"clip$"));
-  try {
-    matchesRegularExpressionPattern(u"clip", u"(unclosed");
-    FAIL();
-  } catch (const Exception& e) {
-    EXPECT_EQ(e.name().utf8(), "NSInternalInconsistencyException");
-    EXPECT_TRUE(e.reason().hasPrefix(
-        u"could not compile regex pattern '(unclosed': Error Domain=NSCocoaErrorDomain Code=2048"))
-        << e.reason().utf8();
-  }
+  EXPECT_THAT(testing::raised([] { matchesRegularExpressionPattern(u"clip", u"(unclosed"); }),
+              ::testing::StartsWith("NSInternalInconsistencyException: could not compile regex "
+                                    "pattern '(unclosed': Error Domain=NSCocoaErrorDomain "
+                                    "Code=2048"));
 }
 
 }  // namespace

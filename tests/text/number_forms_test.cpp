@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/raised.hpp"
 #include "tarnvik/platform/base/error.hpp"
 
 namespace tarnvik {
@@ -40,19 +41,11 @@ TEST(IntegerForms, HexParsingAssertsOnBadInput) {
   EXPECT_EQ(integerValueOfHexString(u"FF"), 255);
   EXPECT_EQ(integerValueOfHexString(u""), 0);
   EXPECT_EQ(integerValueOfHexString(u"123456789abcdef"), 81985529216486895);
-  try {
-    integerValueOfHexString(u"123456789abcdef0");
-    FAIL();
-  } catch (const Exception& e) {
-    EXPECT_EQ(e.reason().utf8(), "123456789abcdef0 is too long to be converted to an integer");
-  }
-  try {
-    integerValueOfHexString(u"0x1f");
-    FAIL();
-  } catch (const Exception& e) {
-    EXPECT_EQ(e.name().utf8(), "NSInternalInconsistencyException");
-    EXPECT_EQ(e.reason().utf8(), "invalid character x");
-  }
+  EXPECT_EQ(testing::raised([] { integerValueOfHexString(u"123456789abcdef0"); }),
+            "NSInternalInconsistencyException: 123456789abcdef0 is too long to be converted to "
+            "an integer");
+  EXPECT_EQ(testing::raised([] { integerValueOfHexString(u"0x1f"); }),
+            "NSInternalInconsistencyException: invalid character x");
 }
 
 }  // namespace

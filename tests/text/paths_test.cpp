@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "support/fake_volumes.hpp"
+#include "support/raised.hpp"
 #include "support/temp_dir.hpp"
 #include "tarnvik/platform/base/error.hpp"
 
@@ -134,12 +135,8 @@ TEST(ParenthesisedPaths, ReadUpToTheLastClosingParenthesis) {
   Scanner noOut(u"(x)");
   EXPECT_FALSE(scanPathInParenthesesIntoString(noOut, nullptr));
   Scanner unclosed(u"(x");
-  try {
-    scanPathInParenthesesIntoString(unclosed, &path);
-    FAIL();
-  } catch (const Exception& e) {
-    EXPECT_EQ(e.reason().utf8(), ") is not a suffix");
-  }
+  EXPECT_EQ(testing::raised([&] { scanPathInParenthesesIntoString(unclosed, &path); }),
+            "NSInvalidArgumentException: ) is not a suffix");
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ TEST(PathPrimitives, ComponentsFollowTheMarkerRules) {
 }
 
 struct PathCase {
+  const char* label;
   const char16_t* path;
   const char* last;
   const char* parent;
@@ -41,14 +42,17 @@ TEST_P(PathParts, SplitAsThePlatformDoes) {
 
 INSTANTIATE_TEST_SUITE_P(
     Paths, PathParts,
-    ::testing::Values(PathCase{u"/a/b.mov", "b.mov", "/a", "mov", "/a/b"},
-                      PathCase{u"/a", "a", "/", "", "/a"}, PathCase{u"/", "/", "/", "", "/"},
-                      PathCase{u"", "", "", "", ""},
-                      PathCase{u"clip.tar.gz", "clip.tar.gz", "", "gz", "clip.tar"},
-                      PathCase{u"a/b/", "b", "a", "", "a/b"},
-                      PathCase{u"/x.d/.hidden", ".hidden", "/x.d", "", "/x.d/.hidden"},
-                      PathCase{u"//a//b.c//", "b.c", "/a", "c", "/a/b"}),
-    [](const auto& info) { return "case" + std::to_string(info.index); });
+    ::testing::Values(PathCase{"AbsoluteWithExtension", u"/a/b.mov", "b.mov", "/a", "mov", "/a/b"},
+                      PathCase{"TopLevel", u"/a", "a", "/", "", "/a"},
+                      PathCase{"Root", u"/", "/", "/", "", "/"},
+                      PathCase{"Empty", u"", "", "", "", ""},
+                      PathCase{"DoubleExtension", u"clip.tar.gz", "clip.tar.gz", "", "gz",
+                               "clip.tar"},
+                      PathCase{"TrailingSlash", u"a/b/", "b", "a", "", "a/b"},
+                      PathCase{"HiddenFileInDottedFolder", u"/x.d/.hidden", ".hidden", "/x.d", "",
+                               "/x.d/.hidden"},
+                      PathCase{"RepeatedSlashes", u"//a//b.c//", "b.c", "/a", "c", "/a/b"}),
+    [](const auto& info) { return std::string(info.param.label); });
 
 TEST(PathPrimitives, AppendingAndStandardising) {
   EXPECT_EQ(String(u"a").stringByAppendingPathComponent(u"b").utf8(), "a/b");

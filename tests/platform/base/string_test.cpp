@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "support/raised.hpp"
 #include "tarnvik/platform/foundation.hpp"
 
 namespace tarnvik {
@@ -52,12 +53,11 @@ TEST(String, SubstringsCheckTheirRange) {
   EXPECT_EQ(s.substringToIndex(4).utf8(), "A001");
   EXPECT_EQ(s.substringWithRange({1, 3}).utf8(), "001");
   EXPECT_EQ(s.substringFromIndex(8).utf8(), "");
-  try {
-    s.substringWithRange({7, 2});
-    FAIL() << "no exception";
-  } catch (const Exception& e) {
-    EXPECT_EQ(e.name(), String(NSRangeException));
-  }
+  EXPECT_EQ(testing::raised([&] {
+              s.substringWithRange({7, 2});
+            }),
+            "NSRangeException: -[NSString substringWithRange:]: Range {7, 2} out of bounds; "
+            "string length 8");
   EXPECT_THROW(s.substringWithRange({NSNotFound, 1}), Exception);
   EXPECT_THROW(s.characterAtIndex(8), Exception);
 }
