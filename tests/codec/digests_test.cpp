@@ -51,6 +51,11 @@ TEST(Identifiers, RedcineGUIDWidensSignedBytes) {
   EXPECT_EQ(redcineGUID(u"é123456789012345").utf8(),
             "FFFFFFC3FFFFFFA93132-3334-3536-3738-393031323334");
   EXPECT_EQ(redcineGUID(u"AB").utf8(), "41420000-0000-0000-0000-000000000000");
+  // A NUL inside the first 16 bytes is one of them; only md5 stops at a NUL.
+  const String withNul(std::u16string(u"abc\0defghijklmnopq", 18));
+  EXPECT_EQ(redcineGUID(withNul).utf8(), "61626300-6465-6667-6869-6A6B6C6D6E6F");
+  EXPECT_EQ(md5(withNul), md5(String(u"abc")));
+  EXPECT_NE(SHA1Sum(withNul), SHA1Sum(String(u"abc")));
 }
 
 TEST(Identifiers, UUIDsAreRandomVersionFour) {

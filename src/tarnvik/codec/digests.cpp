@@ -70,7 +70,8 @@ String SHA1Sum(const String& text) {
 }
 
 String redcineGUID(const String& text) {
-  std::string bytes = cStringBytes(text);
+  // All the UTF-8 bytes, a NUL among them included; a short text is padded with zeros.
+  std::string bytes = text.utf8();
   bytes.resize(std::max<std::size_t>(bytes.size(), 16), '\0');
   int b[16];
   for (int i = 0; i < 16; ++i) b[i] = static_cast<std::int8_t>(bytes[static_cast<std::size_t>(i)]);
