@@ -38,6 +38,7 @@ TEST_F(Dates, StylesAndReports) {
   EXPECT_EQ(stringForDateStyle(d, 1, 0).utf8(), "3/5/24");
   EXPECT_EQ(stringForDateStyle(d, 0, 1).utf8(), "2:15\u202FPM");
   EXPECT_EQ(stringForDateStyle(d, 3, 0).utf8(), "March 5, 2024");
+  EXPECT_EQ(stringForDateStyle(d, 0, 0).utf8(), "");
   fixNow(berlin(2024, 1, 10, 12, 0));  // the abbreviation is that of "now": winter time
   EXPECT_EQ(reportConformString(d).utf8(), "3/5/24 2:15\u202FPM CET");
   fixNow(berlin(2024, 7, 10, 12, 0));

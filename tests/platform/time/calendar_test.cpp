@@ -57,6 +57,18 @@ TEST_F(CalendarTest, FormatterStylesSymbolsAndStrictParsing) {
   EXPECT_EQ(f.stringFromDate(Date::now()).utf8(), "Today");
 }
 
+TEST_F(CalendarTest, NoStyleForEitherPartWritesNothing) {
+  for (const char16_t* locale : {u"en_US", u"de_DE", u"ja_JP"}) {
+    DateFormatter f;
+    f.setLocaleIdentifier(locale);
+    f.setDateStyle(NSDateFormatterNoStyle);
+    f.setTimeStyle(NSDateFormatterNoStyle);
+    EXPECT_EQ(f.stringFromDate(berlin(2024, 7, 1, 12, 0)).utf8(), "");
+    f.setTimeStyle(NSDateFormatterShortStyle);
+    EXPECT_FALSE(f.stringFromDate(berlin(2024, 7, 1, 12, 0)).isEmpty());
+  }
+}
+
 TEST_F(CalendarTest, TheClockCanBeFixedAndRestored) {
   fixNow(Date{42});
   EXPECT_EQ(Date::now().timeIntervalSinceReferenceDate, 42);

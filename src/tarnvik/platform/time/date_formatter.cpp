@@ -62,13 +62,17 @@ DateFormatter::~DateFormatter() = default;
 void DateFormatter::rebuild() {
   const icu::Locale locale = localeOf(*state_);
   std::unique_ptr<icu::DateFormat> format;
-  if (state_->usesStyles) {
+  // With no style for either part there is nothing to write: such a formatter behaves as
+  // one with an empty pattern, not as ICU's fallback for "no style, no style".
+  const bool styled = state_->usesStyles && (state_->dateStyle != NSDateFormatterNoStyle ||
+                                             state_->timeStyle != NSDateFormatterNoStyle);
+  if (styled) {
     format.reset(icu::DateFormat::createDateTimeInstance(
         icuStyle(state_->dateStyle, state_->relative), icuStyle(state_->timeStyle, false), locale));
   } else {
     UErrorCode status = U_ZERO_ERROR;
-    format =
-        std::make_unique<icu::SimpleDateFormat>(icu_text::copy(state_->pattern), locale, status);
+    const String pattern = state_->usesStyles ? String(u"") : state_->pattern;
+    format = std::make_unique<icu::SimpleDateFormat>(icu_text::copy(pattern), locale, status);
     if (U_FAILURE(status)) format.reset();
   }
   if (format) {
