@@ -69,6 +69,22 @@ TEST(ArraySelection, BOOLMethodsByName) {
             (Array{1}));  // the low byte counts
 }
 
+TEST(ArraySelection, BOOLComparesTheFirstByteOfTheResultInMemory) {
+  // 1.0 as a double is 00 00 00 00 00 00 F0 3F: its first byte is 0, so it counts as NO.
+  const Value one = clip(u"One", 25), none = clip(u"None", 0);
+  EXPECT_EQ(objectsWithBOOL(Array{one, none}, false, u"seconds"), (Array{one, none}));
+  EXPECT_TRUE(objectsWithBOOL(Array{one, none}, true, u"seconds").isNil());
+  EXPECT_EQ(objectsWithBOOL(Array{1.0}, false, u"doubleValue"), (Array{1.0}));
+  // A float of 1.0 is 00 00 80 3F; the integer 257 is 01 01 00 00.
+  const Value single = clip(u"Single", 1);
+  EXPECT_TRUE(objectsWithBOOL(Array{single}, true, u"ratio").isNil());
+  EXPECT_EQ(objectsWithBOOL(Array{single, none}, true, u"takes"), (Array{single}));
+  // A BOOL property read as a method, and an object result: nil is all zeros.
+  const Value picked = clip(u"Picked", 1, true);
+  EXPECT_EQ(objectsWithBOOL(Array{picked, none}, true, u"selected"), (Array{picked}));
+  EXPECT_EQ(objectsWithBOOL(Array{picked}, false, u"nothing"), (Array{picked}));
+}
+
 TEST(ArrayTransforms, BlocksAndSelectors) {
   EXPECT_EQ(mapWithBlock(Array::array(), [](const Value& v) { return v; }), Array::array());
   EXPECT_EQ(mapWithBlock(Array{1, 2, 3},

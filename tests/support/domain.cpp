@@ -9,7 +9,10 @@ TARNVIK_DEFINE_CLASS(Clip, Object,
                          .property(u"owner", &Clip::owner)
                          .method(u"isSelected", &Clip::isSelected)
                          .method(u"title", &Clip::title)
-                         .method(u"nothing", &Clip::nothing))
+                         .method(u"nothing", &Clip::nothing)
+                         .method(u"seconds", &Clip::seconds)
+                         .method(u"ratio", &Clip::ratio)
+                         .method(u"takes", &Clip::takes))
 TARNVIK_DEFINE_CLASS(StillClip, Clip, )
 
 }  // namespace tarnvik::testing

@@ -14,6 +14,10 @@ struct Clip : Object {
   bool isSelected() const { return selected; }
   String title() const { return name.uppercaseString(); }
   Value nothing() const { return Value(); }
+  // Results whose first byte in memory differs from their value, for the BOOL selection.
+  double seconds() const { return static_cast<double>(frames) / 25; }
+  float ratio() const { return static_cast<float>(frames); }
+  std::int32_t takes() const { return static_cast<std::int32_t>(frames) + 256; }
   TARNVIK_CLASS(Clip)
 };
 

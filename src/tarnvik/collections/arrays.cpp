@@ -80,11 +80,9 @@ Array objectsWithBOOL(const Array& array, bool value, const String& key) {
   for (const Value& element : array) {
     const auto method = methodNamed(element, key);
     if (!method) continue;
-    const Value result = method->invoke();
-    const auto firstByte = static_cast<unsigned char>(method->returns == ReturnKind::Bool
-                                                          ? (result.boolValue() ? 1 : 0)
-                                                          : (result.integerValue() & 0xFF));
-    if (firstByte == (value ? 1 : 0)) kept.addObject(element);
+    if (firstByteOfResult(method->returns, method->invoke()) == (value ? 1 : 0)) {
+      kept.addObject(element);
+    }
   }
   return nilWhenEmpty(kept.copy());
 }

@@ -1,5 +1,8 @@
 #include "tarnvik/platform/base/key_value_coding.hpp"
 
+#include <bit>
+#include <cstdint>
+
 #include "tarnvik/platform/base/error.hpp"
 #include "tarnvik/platform/base/internal/message.hpp"
 #include "tarnvik/platform/base/set.hpp"
@@ -30,16 +33,16 @@ std::optional<FoundMethod> builtinMethod(const Value& target, const String& name
     if (name == String(u"boolValue"))
       return reading(ReturnKind::Bool, [target] { return Value(target.boolValue()); });
     if (name == String(u"integerValue"))
-      return reading(ReturnKind::Object, [target] { return Value(target.integerValue()); });
+      return reading(ReturnKind::Integer64, [target] { return Value(target.integerValue()); });
     if (name == String(u"doubleValue"))
-      return reading(ReturnKind::Object, [target] { return Value(target.doubleValue()); });
+      return reading(ReturnKind::Double, [target] { return Value(target.doubleValue()); });
   }
   if (target.isNumber() && name == String(u"stringValue")) {
     return reading(ReturnKind::Object, [target] { return Value(target.description()); });
   }
   if (target.isString()) {
     if (name == String(u"length"))
-      return reading(ReturnKind::Object, [target] { return Value(target.asString().length()); });
+      return reading(ReturnKind::Integer64, [target] { return Value(target.asString().length()); });
     if (name == String(u"uppercaseString")) {
       return reading(ReturnKind::Object,
                      [target] { return Value(target.asString().uppercaseString()); });
@@ -50,7 +53,7 @@ std::optional<FoundMethod> builtinMethod(const Value& target, const String& name
     }
   }
   if (target.isCollection() && name == String(u"count")) {
-    return reading(ReturnKind::Object, [target] {
+    return reading(ReturnKind::Integer64, [target] {
       switch (target.kind()) {
         case K::Array:
           return Value(target.asArray().count());
@@ -68,13 +71,40 @@ std::optional<FoundMethod> builtinMethod(const Value& target, const String& name
 
 }  // namespace
 
+unsigned char firstByteOfResult(ReturnKind returns, const Value& result) {
+  switch (returns) {
+    case ReturnKind::Bool:
+      return result.boolValue() ? 1 : 0;
+    case ReturnKind::Integer8:
+    case ReturnKind::Integer16:
+    case ReturnKind::Integer32:
+    case ReturnKind::Integer64:
+      // Little-endian: the lowest byte comes first, whatever the width.
+      return static_cast<unsigned char>(result.kind() == Value::Kind::UInt
+                                            ? result.unsignedIntegerValue()
+                                            : static_cast<UInteger>(result.integerValue()));
+    case ReturnKind::Float:
+      return static_cast<unsigned char>(std::bit_cast<std::uint32_t>(result.floatValue()));
+    case ReturnKind::Double:
+      return static_cast<unsigned char>(std::bit_cast<std::uint64_t>(result.doubleValue()));
+    case ReturnKind::Object:
+      break;
+  }
+  // An object is a pointer: nil is all zero bytes, any other object the lowest byte of its
+  // address. A number or date held by value has no address and reads as an integer.
+  if (const void* address = result.identity()) {
+    return static_cast<unsigned char>(reinterpret_cast<std::uintptr_t>(address));
+  }
+  return static_cast<unsigned char>(static_cast<UInteger>(result.integerValue()));
+}
+
 std::optional<FoundMethod> methodNamed(const Value& target, const String& name) {
   if (const auto object = target.asObject()) {
     if (const MethodInfo* method = object->classInfo().method(name)) {
       return FoundMethod{method->returns, [object, method] { return method->invoke(*object); }};
     }
     if (const PropertyInfo* property = object->classInfo().property(name)) {
-      return FoundMethod{ReturnKind::Object,
+      return FoundMethod{property->returns,
                          [object, property] { return property->getter(*object); }};
     }
   }

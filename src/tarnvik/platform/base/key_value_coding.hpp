@@ -36,6 +36,10 @@ struct FoundMethod {
   std::function<Value()> invoke;
 };
 std::optional<FoundMethod> methodNamed(const Value& target, const String& name);
+// The first byte of a method's result as it lies in memory on a little-endian machine: 0 or
+// 1 for a BOOL, the lowest byte of an integer of any width, the lowest byte of a float's or
+// double's bits (0 for 1.0), and for an object the lowest byte of its address (0 for nil).
+unsigned char firstByteOfResult(ReturnKind returns, const Value& result);
 bool respondsToSelector(const Value& target, const String& name);
 // Calls the method; NSInvalidArgumentException ("-[<Class> <name>]: unrecognized selector
 // sent to instance 0x...") when there is none.

@@ -28,13 +28,34 @@ namespace tarnvik {
 
 class Object;
 
-// What a registered no-argument method returns.
-enum class ReturnKind { Bool, Object };
+// What a registered method or property getter returns, as far as the layout of the result
+// in memory goes: a BOOL, a signed or unsigned integer of 1, 2, 4 or 8 bytes, a float, a
+// double, or an object (any other type).
+enum class ReturnKind { Bool, Integer8, Integer16, Integer32, Integer64, Float, Double, Object };
+
+template <class R>
+constexpr ReturnKind returnKindOf() {
+  if constexpr (std::is_same_v<R, bool>) {
+    return ReturnKind::Bool;
+  } else if constexpr (std::is_integral_v<R> || std::is_enum_v<R>) {
+    return sizeof(R) == 1   ? ReturnKind::Integer8
+           : sizeof(R) == 2 ? ReturnKind::Integer16
+           : sizeof(R) == 4 ? ReturnKind::Integer32
+                            : ReturnKind::Integer64;
+  } else if constexpr (std::is_same_v<R, float>) {
+    return ReturnKind::Float;
+  } else if constexpr (std::is_floating_point_v<R>) {
+    return ReturnKind::Double;
+  } else {
+    return ReturnKind::Object;
+  }
+}
 
 struct PropertyInfo {
   String name;
   std::function<Value(const Object&)> getter;
   std::function<void(Object&, const Value&)> setter;  // empty for read-only properties
+  ReturnKind returns = ReturnKind::Object;
 };
 
 struct MethodInfo {
@@ -123,7 +144,8 @@ class ClassBuilder {
   ClassBuilder& property(const String& name, T C::*member) {
     info_.addProperty(
         {name, [member](const Object& o) { return Value(static_cast<const C&>(o).*member); },
-         [member](Object& o, const Value& v) { static_cast<C&>(o).*member = valueAs<T>(v); }});
+         [member](Object& o, const Value& v) { static_cast<C&>(o).*member = valueAs<T>(v); },
+         returnKindOf<T>()});
     return *this;
   }
   // A computed property with a getter and, optionally, a setter.
@@ -135,14 +157,13 @@ class ClassBuilder {
       set = [setter](Object& o, const Value& v) { (static_cast<C&>(o).*setter)(valueAs<T>(v)); };
     info_.addProperty(
         {name, [getter](const Object& o) { return Value((static_cast<const C&>(o).*getter)()); },
-         std::move(set)});
+         std::move(set), returnKindOf<T>()});
     return *this;
   }
   // A no-argument method callable by its name.
   template <class R>
   ClassBuilder& method(const String& name, R (C::*function)() const) {
-    const ReturnKind kind = std::is_same_v<R, bool> ? ReturnKind::Bool : ReturnKind::Object;
-    info_.addMethod({name, kind, [function](Object& o) {
+    info_.addMethod({name, returnKindOf<R>(), [function](Object& o) {
                        return Value((static_cast<const C&>(o).*function)());
                      }});
     return *this;
