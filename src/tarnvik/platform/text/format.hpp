@@ -24,6 +24,7 @@
 #include <array>
 #include <concepts>
 #include <cstdint>
+#include <new>
 #include <span>
 #include <string>
 #include <type_traits>
@@ -78,6 +79,16 @@ class FormatArgument {
   // The C string itself for a CString argument ("(null)" for a null pointer), else null.
   const char* cString() const { return kind_ == Kind::CString ? (s_ ? s_ : "(null)") : nullptr; }
 
+  FormatArgument(const FormatArgument& other) : kind_(other.kind_), i_(other.i_) {
+    if (kind_ == Kind::Object) new (&value_) Value(other.value_);
+  }
+  FormatArgument& operator=(const FormatArgument&) = delete;
+  // Only an object argument holds a Value to destroy: numbers and C strings, the common
+  // arguments, cost nothing to drop.
+  ~FormatArgument() {
+    if (kind_ == Kind::Object) value_.~Value();
+  }
+
  private:
   Kind kind_;
   union {
@@ -86,8 +97,8 @@ class FormatArgument {
     double d_;
     const char* s_;
     const void* p_;
+    Value value_;
   };
-  Value value_;
 };
 
 // Fills the format with the arguments; see the header comment for the rules.
