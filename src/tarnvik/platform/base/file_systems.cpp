@@ -44,6 +44,26 @@ std::string unescapeMountField(std::string_view field) {
   return out;
 }
 
+// One line of the mount table: the fields before the "-" separator (mount ID, parent ID,
+// major:minor, root, mount point, options...), then the file-system type and the source.
+struct MountLine {
+  std::vector<std::string> before;
+  std::string type, source;
+};
+
+// Calls visit with each line of the table that has a file-system type.
+template <class Visit>
+void forEachMount(std::string_view mountInfo, Visit visit) {
+  std::istringstream lines{std::string(mountInfo)};
+  for (std::string line; std::getline(lines, line);) {
+    std::istringstream fields(line);
+    MountLine mount;
+    for (std::string field; fields >> field && field != "-";) mount.before.push_back(field);
+    fields >> mount.type >> mount.source;
+    if (!mount.type.empty()) visit(mount);
+  }
+}
+
 bool below(std::string_view path, std::string_view folder) {
   return path == folder || (path.starts_with(folder) && path[folder.size()] == '/');
 }
@@ -53,41 +73,30 @@ bool below(std::string_view path, std::string_view folder) {
 Array volumePathsFromMountInfo(std::string_view mountInfo) {
   Array volumes = Array::array();
   volumes.addObject(String(u"/"));
-  std::istringstream lines{std::string(mountInfo)};
-  for (std::string line; std::getline(lines, line);) {
-    std::istringstream fields(line);
-    std::vector<std::string> before;
-    std::string field;
-    while (fields >> field && field != "-") before.push_back(field);
-    std::string type, source;
-    fields >> type >> source;
-    if (before.size() < 5 || type.empty()) continue;
-    const std::string mountPoint = unescapeMountField(before[4]);
+  forEachMount(mountInfo, [&](const MountLine& mount) {
+    if (mount.before.size() < 5) return;
+    const std::string mountPoint = unescapeMountField(mount.before[4]);
     if (mountPoint == "/" || below(mountPoint, "/proc") || below(mountPoint, "/sys") ||
         below(mountPoint, "/dev")) {
-      continue;
+      return;
     }
-    if (kPseudoFileSystems.contains(type)) continue;
-    if (!source.starts_with("/dev/") && !kVolumeFileSystems.contains(type)) continue;
+    if (kPseudoFileSystems.contains(mount.type)) return;
+    if (!mount.source.starts_with("/dev/") && !kVolumeFileSystems.contains(mount.type)) return;
     const String path(mountPoint);
     if (!volumes.containsObject(path)) volumes.addObject(path);
-  }
+  });
   return volumes;
 }
 
 String fileSystemTypeFromMountInfo(std::string_view mountInfo, unsigned major, unsigned minor) {
   const std::string device = std::to_string(major) + ":" + std::to_string(minor);
-  std::istringstream lines{std::string(mountInfo)};
-  for (std::string line; std::getline(lines, line);) {
-    std::istringstream fields(line);
-    std::vector<std::string> before;
-    std::string field;
-    while (fields >> field && field != "-") before.push_back(field);
-    std::string type;
-    fields >> type;
-    if (before.size() >= 3 && before[2] == device && !type.empty()) return String(type);
-  }
-  return String(u"");
+  String type(u"");
+  forEachMount(mountInfo, [&](const MountLine& mount) {
+    if (type.isEmpty() && mount.before.size() >= 3 && mount.before[2] == device) {
+      type = String(mount.type);
+    }
+  });
+  return type;
 }
 
 Array FileManager::mountedVolumePaths() {

@@ -11,13 +11,15 @@ namespace tarnvik {
 
 namespace {
 
-[[noreturn]] void raiseUndefinedKey(const Value& target, const String& key) {
+// "[<Class 0x...> valueForUndefinedKey:]: ..." or, with the setter's name, the same for
+// setValue:forUndefinedKey:.
+[[noreturn]] void raiseUndefinedKey(const Value& target, const String& key,
+                                    const char16_t* selector = u"valueForUndefinedKey:") {
   throw Exception(
       NSUndefinedKeyException,
-      message::build(u"[<", target.className(), u" ", message::Pointer{target.identity()},
-                     u"> valueForUndefinedKey:]: this class is not key value "
-                     u"coding-compliant for the key ",
-                     key, u"."));
+      message::build(u"[<", target.className(), u" ", message::Pointer{target.identity()}, u"> ",
+                     selector, u"]: this class is not key value coding-compliant for the key ", key,
+                     u"."));
 }
 
 // The readings every value of a kind offers without registration.
@@ -175,21 +177,11 @@ void setValueForKey(const Value& object, const Value& value, const String& key) 
   const auto target = object.asObject();
   if (!target) {
     if (object.isNil()) return;
-    throw Exception(
-        NSUndefinedKeyException,
-        message::build(u"[<", object.className(), u" ", message::Pointer{object.identity()},
-                       u"> setValue:forUndefinedKey:]: this class is not key value "
-                       u"coding-compliant for the key ",
-                       key, u"."));
+    raiseUndefinedKey(object, key, u"setValue:forUndefinedKey:");
   }
   const PropertyInfo* property = target->classInfo().property(key);
   if (!property || !property->setter) {
-    throw Exception(
-        NSUndefinedKeyException,
-        message::build(u"[<", object.className(), u" ", message::Pointer{object.identity()},
-                       u"> setValue:forUndefinedKey:]: this class is not key value "
-                       u"coding-compliant for the key ",
-                       key, u"."));
+    raiseUndefinedKey(object, key, u"setValue:forUndefinedKey:");
   }
   property->setter(*target, value);
 }
