@@ -124,6 +124,17 @@ TEST(TypedValues, IndexSetsThroughThirtyTwoBits) {
   EXPECT_EQ(indexSetForKey(d, u"mixed")->indexes(), (std::vector<UInteger>{1, 3}));
 }
 
+TEST(TypedValues, AStoredMinusOneSurvivesTheRoundTrip) {
+  Dictionary d{{u"selection", Array{-1, 2}}};
+  const IndexSet read = *indexSetForKey(d, u"selection");
+  EXPECT_EQ(read.count(), 2u);
+  EXPECT_EQ(read.indexes(), (std::vector<UInteger>{2, ~UInteger{0}}));
+  setIndexSet(d, read, u"again");
+  EXPECT_EQ(*indexSetForKey(d, u"again"), read);
+  d.setObject(Array{4294967295u}, u"unsigned");  // -1 read back as a 32-bit unsigned number
+  EXPECT_EQ(indexSetForKey(d, u"unsigned")->indexes(), (std::vector<UInteger>{~UInteger{0}}));
+}
+
 TEST(MapTables, IdentityWeaknessAndMarkers) {
   MapTable byIdentity(NSPointerFunctionsObjectPointerPersonality, NSPointerFunctionsStrongMemory);
   const String key = u"k", equal = String(std::u16string(u"k"));

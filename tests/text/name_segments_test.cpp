@@ -59,6 +59,13 @@ TEST(LastSegment, PercentInTheStemIsReadAsADirective) {
   EXPECT_EQ(incrementLastSegment(u"a%@b").utf8(), "ac%@");
 }
 
+TEST(LastSegment, AHugeWidthInTheStemIsCapped) {
+  // The stem goes into the format unescaped: "%300000000c" must not pad to 300 million.
+  const String next = incrementLastSegment(u"x%300000000cY");
+  EXPECT_LE(next.length(), 100010u);
+  EXPECT_TRUE(next.hasPrefix(u"x"));
+}
+
 TEST(LastSegment, ResetKeepsTheOldWidth) {
   EXPECT_EQ(resetLastSegmentToIndex(u"clip0099", 5).utf8(), "clip0005");
   EXPECT_EQ(resetLastSegmentToIndex(u"clip99", 5).utf8(), "clip05");

@@ -74,5 +74,25 @@ TEST_F(Timecodes, FramesFromTheMilliseconds) {
   EXPECT_EQ(timecodeStringWithDate(berlin(2026, 7, 1, 0, 0), 25).utf8(), "00:00:00.00");
 }
 
+TEST_F(Timecodes, RatesBeyondAnyFrameCountSaturate) {
+  const Date d = berlin(2026, 3, 5, 14, 3, 27.5);
+  const float infinite = std::numeric_limits<float>::infinity();
+  EXPECT_EQ(timecodeStringWithDate(d, infinite).utf8(), "14:03:27.18446744073709551615");
+  EXPECT_EQ(timecodeStringWithDate(d, 3e38f).utf8(), "14:03:27.18446744073709551615");
+  EXPECT_EQ(timecodeStringWithDate(d, -infinite).utf8(), "14:03:27.00");
+  EXPECT_EQ(timecodeStringWithDate(d, std::nanf("")).utf8(), "14:03:27.00");
+  EXPECT_EQ(humanReadableStringForDuration(3e38f).utf8(), "596523:14:07 h");
+}
+
+TEST_F(Timecodes, DatesOutsideTheCalendarDescribeAndAbbreviateWithoutOverflow) {
+  for (const double seconds :
+       {std::nan(""), std::numeric_limits<double>::infinity(), 1e300, -1e300, 9.3e18}) {
+    const Value date(Date{seconds});
+    EXPECT_FALSE(date.description().isEmpty()) << seconds;
+    EXPECT_FALSE(TimeZone::localTimeZone().abbreviationForDate(Date{seconds}).isNil()) << seconds;
+  }
+  EXPECT_EQ(Value(Date{0}).description().utf8(), "2001-01-01 00:00:00 +0000");
+}
+
 }  // namespace
 }  // namespace tarnvik

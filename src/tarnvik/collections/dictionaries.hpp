@@ -88,7 +88,8 @@ Integer integerForKey(const Dictionary& dictionary, const Value& key);
 long longForKey(const Dictionary& dictionary, const Value& key);
 // The number elements of a stored array, each read as a 32-bit signed integer and widened
 // with sign extension (so indexes above 2^31 - 1 do not survive); nullopt when the value is
-// absent or no array.
+// absent or no array. A negative element widens to an index of 2^63 or more, which the set
+// keeps, so a stored -1 survives the round trip through setIndexSet.
 std::optional<IndexSet> indexSetForKey(const Dictionary& dictionary, const Value& key);
 
 }  // namespace tarnvik

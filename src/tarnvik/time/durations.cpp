@@ -11,11 +11,7 @@ namespace tarnvik {
 namespace {
 
 // The value truncated toward zero to 32 bits, saturating where a plain cast would be undefined.
-int truncated(float value) {
-  if (value >= 2147483648.0f) return INT_MAX;
-  if (value <= -2147483648.0f) return INT_MIN;
-  return static_cast<int>(value);
-}
+int truncated(float value) { return saturatingCast<int>(value); }
 
 }  // namespace
 
@@ -75,8 +71,8 @@ String timecodeStringWithDate(Date date, float framesPerSecond) {
   formatter.setDateFormat(u"SSS");
   const float milliseconds = formatter.stringFromDate(date).floatValue();
   const double frames = std::floor(static_cast<double>(milliseconds * framesPerSecond) / 1000.0);
-  const auto count =
-      frames <= 0 || std::isnan(frames) ? 0ull : static_cast<unsigned long long>(frames);
+  // An infinite or enormous rate saturates; a negative or undefined frame count is 0.
+  const auto count = saturatingCast<unsigned long long>(frames);
   return stringWithFormat(u"%@.%02lu", base, count);
 }
 

@@ -13,6 +13,15 @@ std::string fmt(const String& format, const auto&... args) {
   return stringWithFormat(format, args...).utf8();
 }
 
+TEST(FormatEngine, WrittenWidthsAndPrecisionsAreCappedLikeStarredOnes) {
+  EXPECT_EQ(stringWithFormat(u"%2147483647d", 7).length(), 100000u);
+  EXPECT_EQ(stringWithFormat(u"%99999999999999999999d", 7).length(), 100000u);
+  EXPECT_EQ(stringWithFormat(u"%.300000000d", 7).length(), 100000u);
+  EXPECT_EQ(stringWithFormat(u"%*d", INT_MAX, 7).length(), 100000u);
+  EXPECT_EQ(stringWithFormat(u"%100000s|", "x").length(), 100001u);
+  EXPECT_EQ(stringWithFormat(u"%.3s", "abcdef").utf8(), "abc");
+}
+
 TEST(FormatEngine, PlainDReadsA32BitSignedInteger) {
   EXPECT_EQ(fmt(u"%d", std::int64_t{5000000000}), "705032704");
   EXPECT_EQ(fmt(u"%d", std::int64_t{0xFFFFFFFF}), "-1");

@@ -57,6 +57,36 @@ TEST_F(CalendarTest, FormatterStylesSymbolsAndStrictParsing) {
   EXPECT_EQ(f.stringFromDate(Date::now()).utf8(), "Today");
 }
 
+TEST_F(CalendarTest, AnUnreadableLocaleMeansThePOSIXLocale) {
+  const Date d = berlin(2024, 7, 1, 12, 0);
+  DateFormatter posix, unreadable;
+  posix.setLocaleIdentifier(u"en_US_POSIX");
+  unreadable.setLocaleIdentifier(u"English (United States)");
+  posix.setTimeStyle(NSDateFormatterFullStyle);
+  unreadable.setTimeStyle(NSDateFormatterFullStyle);
+  EXPECT_EQ(unreadable.stringFromDate(d), posix.stringFromDate(d));
+  unreadable.setDateFormat(u"B h:mm");  // day periods crashed ICU on a bogus locale
+  EXPECT_FALSE(unreadable.stringFromDate(d).isEmpty());
+  Locale::setCurrentLocaleIdentifier(u"English (United States)");
+  EXPECT_EQ(Locale::currentLocaleIdentifier().utf8(), "en_US_POSIX");
+  Locale::setCurrentLocaleIdentifier(u"en_US");
+}
+
+TEST_F(CalendarTest, OverlongFractionalSecondsParseNothing) {
+  DateFormatter f;
+  f.setLocaleIdentifier(u"en_US_POSIX");
+  for (const std::size_t digits : {3u, 18u, 19u, 35u, 60u}) {
+    f.setDateFormat(String(std::u16string(digits, u'S')));
+    const String text(std::u16string(digits, u'1'));
+    EXPECT_EQ(f.dateFromString(text).has_value(), digits <= 18) << digits;
+    f.setLenient(true);
+    EXPECT_EQ(f.dateFromString(text).has_value(), digits <= 18) << digits;
+    f.setLenient(false);
+  }
+  f.setDateFormat(u"'SSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSS' ss");  // quoted: only text
+  EXPECT_TRUE(f.dateFromString(u"SSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSS 05").has_value());
+}
+
 TEST_F(CalendarTest, NoStyleForEitherPartWritesNothing) {
   for (const char16_t* locale : {u"en_US", u"de_DE", u"ja_JP"}) {
     DateFormatter f;

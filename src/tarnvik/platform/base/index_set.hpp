@@ -1,4 +1,4 @@
-// IndexSet: a sorted set of unsigned indexes, kept as ranges.
+// IndexSet: a sorted set of unsigned indexes (any 64-bit value), kept as ranges.
 //
 //   IndexSet s;  s.addIndex(3);  s.addIndexesInRange({5, 2});
 //   s.count();   // 3
@@ -26,6 +26,9 @@ class IndexSet {
   std::vector<UInteger> indexes() const;
   const std::vector<Range>& ranges() const { return ranges_; }
 
+  // A range whose last index would pass the largest 64-bit value, or that would leave the
+  // set holding all 2^64 indexes, raises NSRangeException ("*** -[NSMutableIndexSet
+  // addIndexesInRange:]: Range {loc, len} exceeds the largest index").
   void addIndex(UInteger index) { addIndexesInRange({index, 1}); }
   void addIndexesInRange(Range range);
   void removeIndex(UInteger index);

@@ -5,7 +5,9 @@
 //   NSMaxRange(r);  // 5
 #pragma once
 
+#include <concepts>
 #include <cstdint>
+#include <limits>
 
 namespace tarnvik {
 
@@ -27,6 +29,21 @@ constexpr UInteger NSMaxRange(Range range) { return range.location + range.lengt
 // Whether the range lies within [0, length), without overflow for any location or length.
 constexpr bool rangeFitsInLength(Range range, UInteger length) {
   return range.location <= length && range.length <= length - range.location;
+}
+
+// The double truncated toward zero into the integer type, saturating at the type's bounds;
+// NaN gives 0. (A plain cast of a value the type cannot hold is undefined behaviour.)
+template <std::integral T>
+constexpr T saturatingCast(double value) {
+  using Limits = std::numeric_limits<T>;
+  // 2^digits, the first value past the largest: exact as a double for every integer type.
+  constexpr double pastLargest = static_cast<double>(Limits::max() / 2 + 1) * 2.0;
+  if (value != value) return 0;
+  if (value >= pastLargest) return Limits::max();
+  if (value <= static_cast<double>(Limits::min()) - (std::is_signed_v<T> ? 0.0 : 1.0)) {
+    return Limits::min();
+  }
+  return static_cast<T>(value);
 }
 
 // The value of a hexadecimal digit (0-9, a-f, A-F) in any character type; -1 for others.

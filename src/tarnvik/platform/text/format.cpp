@@ -174,6 +174,19 @@ void appendText(std::u16string& out, const Directive& d, std::u16string_view tex
   appendPadded(out, text, d);
 }
 
+// Widths and precisions, written or given through '*', are capped, so that a format taken
+// from a file name or a setting cannot ask for gigabytes of padding.
+constexpr int kLargestWidth = 100000;
+
+// Reads a width or precision: a non-negative decimal number, capped at kLargestWidth.
+int readWidth(std::u16string_view f, std::size_t& j) {
+  int value = 0;
+  for (; j < f.size() && f[j] >= u'0' && f[j] <= u'9'; ++j) {
+    value = std::min(kLargestWidth, value * 10 + (f[j] - u'0'));
+  }
+  return value;
+}
+
 // Reads a non-negative decimal number; false when it would not fit an int.
 bool readNumber(std::u16string_view f, std::size_t& j, int& value) {
   long long n = 0;
@@ -303,7 +316,8 @@ Parsed parseDirective(std::u16string_view f, std::size_t percent,
   if (j < f.size() && f[j] == u'*') {
     ++j;
     if (const FormatArgument* widthArg = take()) {
-      const std::int64_t w = std::clamp<std::int64_t>(widthArg->asSigned(), -100000, 100000);
+      const std::int64_t w =
+          std::clamp<std::int64_t>(widthArg->asSigned(), -kLargestWidth, kLargestWidth);
       d.hasWidth = true;
       d.width = static_cast<int>(w < 0 ? -w : w);
       if (w < 0) d.leftAlign = true;
@@ -311,8 +325,8 @@ Parsed parseDirective(std::u16string_view f, std::size_t percent,
       parsed.asWritten = true;
     }
   } else if (j < f.size() && f[j] >= u'1' && f[j] <= u'9') {
-    d.hasWidth = readNumber(f, j, d.width);
-    if (!d.hasWidth) parsed.asWritten = true;
+    d.hasWidth = true;
+    d.width = readWidth(f, j);
   }
   if (j < f.size() && f[j] == u'.') {
     ++j;
@@ -322,12 +336,12 @@ Parsed parseDirective(std::u16string_view f, std::size_t percent,
       if (const FormatArgument* precisionArg = take()) {
         const std::int64_t p = precisionArg->asSigned();
         d.hasPrecision = p >= 0;
-        d.precision = static_cast<int>(std::min<std::int64_t>(p, 100000));
+        d.precision = static_cast<int>(std::min<std::int64_t>(p, kLargestWidth));
       } else {
         parsed.asWritten = true;
       }
-    } else if (!readNumber(f, j, d.precision)) {
-      parsed.asWritten = true;
+    } else {
+      d.precision = readWidth(f, j);
     }
   }
   for (; j < f.size(); ++j) {

@@ -19,6 +19,10 @@
 // nothing past the given arguments is ever read. An argument of an unexpected kind is
 // converted: a number given to %@ prints its description, a Value given to %d its
 // integerValue, text given to %s its UTF-8 form.
+//
+// Widths and precisions are capped at 100000, whether written in the format ("%2147483647d"
+// pads to 100000) or given through '*' (a negative '*' width left-aligns): formats may come
+// from file names and settings, and must not ask for unbounded memory or time.
 #pragma once
 
 #include <array>

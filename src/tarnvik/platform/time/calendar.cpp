@@ -72,7 +72,7 @@ String TimeZone::abbreviationForDate(Date date) const {
   const bool isProcessZone = (tz && name_ == String(tz[0] == ':' ? tz + 1 : tz)) ||
                              (!tz && name_ == localTimeZone().name());
   if (isProcessZone) {
-    const auto seconds = static_cast<time_t>(std::floor(date.timeIntervalSince1970()));
+    const auto seconds = saturatingCast<time_t>(std::floor(date.timeIntervalSince1970()));
     struct tm local {};
     if (localtime_r(&seconds, &local) && local.tm_zone && local.tm_zone[0] &&
         local.tm_zone[0] != '+' && local.tm_zone[0] != '-') {
@@ -90,7 +90,7 @@ String Locale::currentLocaleIdentifier() { return String(icu::Locale::getDefault
 
 void Locale::setCurrentLocaleIdentifier(const String& identifier) {
   UErrorCode status = U_ZERO_ERROR;
-  icu::Locale::setDefault(icu::Locale(identifier.utf8().c_str()), status);
+  icu::Locale::setDefault(icu_text::locale(identifier), status);
 }
 
 Array Locale::preferredLanguages() { return tarnvik::preferredLanguages(); }

@@ -43,7 +43,8 @@ struct Locale {
   // The identifier of the process's current locale ("en_US"), from the environment unless
   // one was installed.
   static String currentLocaleIdentifier();
-  // Makes the locale the process's current one (for formatters made afterwards).
+  // Makes the locale the process's current one (for formatters made afterwards); text that
+  // is no identifier ICU can read means "en_US_POSIX".
   static void setCurrentLocaleIdentifier(const String& identifier);
   // preferredLanguages() of bundle.hpp.
   static Array preferredLanguages();

@@ -49,9 +49,23 @@ icu::DateFormat::EStyle icuStyle(UInteger style, bool relative) {
   return relative ? static_cast<icu::DateFormat::EStyle>(s | icu::DateFormat::kRelative) : s;
 }
 
+// Whether the pattern has a fractional-seconds field ("SSS") of more digits than a 64-bit
+// integer holds, outside quoted text. ICU overflows reading such a field and, from 35
+// digits on, divides by zero: such patterns parse nothing.
+bool hasOverlongFraction(const String& pattern) {
+  constexpr std::size_t kLongestFraction = 18;
+  bool quoted = false;
+  std::size_t run = 0;
+  for (const char16_t c : pattern.units()) {
+    if (c == u'\'') quoted = !quoted;
+    run = !quoted && c == u'S' ? run + 1 : 0;
+    if (run > kLongestFraction) return true;
+  }
+  return false;
+}
+
 icu::Locale localeOf(const DateFormatterState& state) {
-  return state.locale.isNil() ? icu::Locale::getDefault()
-                              : icu::Locale(state.locale.utf8().c_str());
+  return state.locale.isNil() ? icu::Locale::getDefault() : icu_text::locale(state.locale);
 }
 
 }  // namespace
@@ -153,7 +167,7 @@ String DateFormatter::stringFromDate(Date date) const {
 
 std::optional<Date> DateFormatter::dateFromString(const String& text) const {
   std::lock_guard guard(lock_);
-  if (!state_->format || text.isNil()) return std::nullopt;
+  if (!state_->format || text.isNil() || hasOverlongFraction(state_->pattern)) return std::nullopt;
   const icu::UnicodeString input = icu_text::copy(text);
   icu::ParsePosition position(0);
   const UDate millis = state_->format->parse(input, position);

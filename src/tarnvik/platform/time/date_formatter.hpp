@@ -45,7 +45,8 @@ class DateFormatter {
   // With styles: "Yesterday", "Today" and "Tomorrow" (in the locale's words, capitalised as
   // at the start of a sentence) in place of those days' dates.
   void setDoesRelativeDateFormatting(bool relative);
-  // A locale identifier such as "en_US_POSIX" or "de_DE"; nil for the current locale.
+  // A locale identifier such as "en_US_POSIX" or "de_DE"; nil for the current locale. Text
+  // that is no identifier ICU can read ("English (United States)") means "en_US_POSIX".
   void setLocaleIdentifier(const String& identifier);
   // nil restores the local time zone.
   void setTimeZone(const TimeZone& zone);
@@ -54,7 +55,8 @@ class DateFormatter {
   void setLenient(bool lenient);
 
   String stringFromDate(Date date) const;
-  // The date the whole text stands for; nullopt when it does not match.
+  // The date the whole text stands for; nullopt when it does not match, and always for a
+  // pattern with a fractional-seconds field of more than 18 "S".
   std::optional<Date> dateFromString(const String& text) const;
   // The locale's weekday names, Sunday first.
   Array weekdaySymbols() const;

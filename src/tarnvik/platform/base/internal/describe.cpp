@@ -87,7 +87,8 @@ void appendList(std::u16string& out, const Range& values, int depth, std::u16str
 
 void appendDate(std::u16string& out, double secondsSinceReference) {
   const double unix = std::floor(secondsSinceReference + NSTimeIntervalSince1970);
-  const std::time_t t = static_cast<std::time_t>(unix);
+  // Out of time_t's range the cast saturates and gmtime_r refuses the year.
+  const std::time_t t = saturatingCast<std::time_t>(unix);
   std::tm utc{};
   char buffer[64];
   if (std::isfinite(unix) && gmtime_r(&t, &utc)) {

@@ -1,6 +1,7 @@
 // Moving text between String and ICU's UnicodeString. Not installed.
 #pragma once
 
+#include <unicode/locid.h>
 #include <unicode/unistr.h>
 
 #include "tarnvik/platform/base/string.hpp"
@@ -25,5 +26,13 @@ inline std::u16string_view view(const icu::UnicodeString& text) {
 }
 inline std::u16string units(const icu::UnicodeString& text) { return std::u16string(view(text)); }
 inline String fromICU(const icu::UnicodeString& text) { return String(view(text)); }
+
+// The locale an identifier names. Text ICU cannot read as an identifier ("English (United
+// States)") gives a locale ICU marks bogus, which its formatters do not survive: that gives
+// "en_US_POSIX" instead.
+inline icu::Locale locale(const String& identifier) {
+  icu::Locale named(identifier.utf8().c_str());
+  return named.isBogus() ? icu::Locale("en_US_POSIX") : named;
+}
 
 }  // namespace tarnvik::icu_text

@@ -3,20 +3,21 @@
 
 #include <time.h>
 
+#include <algorithm>
+#include <cmath>
+
 #include "tarnvik/platform/base/file_manager.hpp"
 
 namespace tarnvik::posix_files {
 
-// The instant as a timespec, nanoseconds in [0, 1e9) also before 1970.
+// The instant as a timespec, nanoseconds in [0, 1e9) also before 1970; instants beyond
+// time_t saturate and an undefined one is the epoch.
 inline struct timespec timespecOf(Date date) {
   const double seconds = date.timeIntervalSince1970();
+  const double whole = std::floor(seconds);
   struct timespec t {};
-  t.tv_sec = static_cast<time_t>(seconds);
-  t.tv_nsec = static_cast<long>((seconds - static_cast<double>(t.tv_sec)) * 1e9);
-  if (t.tv_nsec < 0) {
-    t.tv_sec -= 1;
-    t.tv_nsec += 1000000000;
-  }
+  t.tv_sec = saturatingCast<time_t>(whole);
+  t.tv_nsec = std::clamp(saturatingCast<long>((seconds - whole) * 1e9), 0L, 999999999L);
   return t;
 }
 
