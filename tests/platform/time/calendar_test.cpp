@@ -67,6 +67,17 @@ TEST_F(CalendarTest, AnUnreadableLocaleMeansThePOSIXLocale) {
   EXPECT_EQ(unreadable.stringFromDate(d), posix.stringFromDate(d));
   unreadable.setDateFormat(u"B h:mm");  // day periods crashed ICU on a bogus locale
   EXPECT_FALSE(unreadable.stringFromDate(d).isEmpty());
+  DateFormatter dayPeriods;
+  dayPeriods.setLocaleIdentifier(u"en_US_POSIX");
+  dayPeriods.setDateFormat(u"B h:mm");
+  for (const char16_t* unknown : {u"zz", u"es)", u"tlh"}) {  // no data, no day-period rules
+    DateFormatter f;
+    f.setLocaleIdentifier(unknown);
+    f.setDateFormat(u"B h:mm");
+    EXPECT_EQ(f.dateFromString(u"in the afternoon 3:00"),
+              dayPeriods.dateFromString(u"in the afternoon 3:00"))
+        << String(unknown).utf8();
+  }
   Locale::setCurrentLocaleIdentifier(u"English (United States)");
   EXPECT_EQ(Locale::currentLocaleIdentifier().utf8(), "en_US_POSIX");
   Locale::setCurrentLocaleIdentifier(u"en_US");
@@ -75,16 +86,19 @@ TEST_F(CalendarTest, AnUnreadableLocaleMeansThePOSIXLocale) {
 TEST_F(CalendarTest, OverlongFractionalSecondsParseNothing) {
   DateFormatter f;
   f.setLocaleIdentifier(u"en_US_POSIX");
-  for (const std::size_t digits : {3u, 18u, 19u, 35u, 60u}) {
+  for (const std::size_t digits : {3u, 19u, 32u, 33u, 35u, 60u}) {
     f.setDateFormat(String(std::u16string(digits, u'S')));
     const String text(std::u16string(digits, u'1'));
-    EXPECT_EQ(f.dateFromString(text).has_value(), digits <= 18) << digits;
-    f.setLenient(true);
-    EXPECT_EQ(f.dateFromString(text).has_value(), digits <= 18) << digits;
-    f.setLenient(false);
+    for (const bool lenient : {false, true}) {
+      f.setLenient(lenient);
+      EXPECT_EQ(f.dateFromString(text).has_value(), digits <= 32) << digits;
+    }
   }
-  f.setDateFormat(u"'SSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSS' ss");  // quoted: only text
-  EXPECT_TRUE(f.dateFromString(u"SSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSSS 05").has_value());
+  // The field's width in the pattern does not matter: the digits in the text do.
+  f.setDateFormat(u"SSSS[SS");
+  EXPECT_FALSE(f.dateFromString(String(std::u16string(42, u'4'))).has_value());
+  f.setDateFormat(u"'SSSS' ss");  // quoted: only text, no fraction field
+  EXPECT_TRUE(f.dateFromString(u"SSSS 05").has_value());
 }
 
 TEST_F(CalendarTest, NoStyleForEitherPartWritesNothing) {

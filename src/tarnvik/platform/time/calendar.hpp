@@ -44,7 +44,8 @@ struct Locale {
   // one was installed.
   static String currentLocaleIdentifier();
   // Makes the locale the process's current one (for formatters made afterwards); text that
-  // is no identifier ICU can read means "en_US_POSIX".
+  // is no identifier ICU can read, or names a language ICU has no data for, means
+  // "en_US_POSIX".
   static void setCurrentLocaleIdentifier(const String& identifier);
   // preferredLanguages() of bundle.hpp.
   static Array preferredLanguages();

@@ -5,7 +5,9 @@
 #include <unicode/locid.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
+#include <unicode/uchar.h>
 #include <unicode/udisplaycontext.h>
+#include <unicode/utf16.h>
 
 #include "tarnvik/platform/base/internal/icu_text.hpp"
 
@@ -49,17 +51,25 @@ icu::DateFormat::EStyle icuStyle(UInteger style, bool relative) {
   return relative ? static_cast<icu::DateFormat::EStyle>(s | icu::DateFormat::kRelative) : s;
 }
 
-// Whether the pattern has a fractional-seconds field ("SSS") of more digits than a 64-bit
-// integer holds, outside quoted text. ICU overflows reading such a field and, from 35
-// digits on, divides by zero: such patterns parse nothing.
-bool hasOverlongFraction(const String& pattern) {
-  constexpr std::size_t kLongestFraction = 18;
-  bool quoted = false;
-  std::size_t run = 0;
+// Whether parsing the text with the pattern could reach ICU's fractional-seconds reader
+// with 35 digits or more: it scales the field by a 32-bit power of ten that wraps to zero
+// there and divides by it (ICU 72). Such texts parse nothing: the pattern has an unquoted
+// "S" and the text a run of more than 32 decimal digits.
+bool overflowsFraction(const String& pattern, const String& text) {
+  constexpr std::size_t kLongestDigitRun = 32;
+  bool quoted = false, fraction = false;
   for (const char16_t c : pattern.units()) {
     if (c == u'\'') quoted = !quoted;
-    run = !quoted && c == u'S' ? run + 1 : 0;
-    if (run > kLongestFraction) return true;
+    fraction = fraction || (!quoted && c == u'S');
+  }
+  if (!fraction) return false;
+  std::size_t run = 0;
+  const auto units = text.units();
+  for (std::size_t i = 0; i < units.size();) {
+    UChar32 c;
+    U16_NEXT(units.data(), i, units.size(), c);
+    run = u_isdigit(c) ? run + 1 : 0;
+    if (run > kLongestDigitRun) return true;
   }
   return false;
 }
@@ -167,7 +177,9 @@ String DateFormatter::stringFromDate(Date date) const {
 
 std::optional<Date> DateFormatter::dateFromString(const String& text) const {
   std::lock_guard guard(lock_);
-  if (!state_->format || text.isNil() || hasOverlongFraction(state_->pattern)) return std::nullopt;
+  if (!state_->format || text.isNil() || overflowsFraction(state_->pattern, text)) {
+    return std::nullopt;
+  }
   const icu::UnicodeString input = icu_text::copy(text);
   icu::ParsePosition position(0);
   const UDate millis = state_->format->parse(input, position);

@@ -46,7 +46,8 @@ class DateFormatter {
   // at the start of a sentence) in place of those days' dates.
   void setDoesRelativeDateFormatting(bool relative);
   // A locale identifier such as "en_US_POSIX" or "de_DE"; nil for the current locale. Text
-  // that is no identifier ICU can read ("English (United States)") means "en_US_POSIX".
+  // that is no identifier ICU can read ("English (United States)"), or names a language ICU has
+  // no data for ("zz"), means "en_US_POSIX".
   void setLocaleIdentifier(const String& identifier);
   // nil restores the local time zone.
   void setTimeZone(const TimeZone& zone);
@@ -55,8 +56,9 @@ class DateFormatter {
   void setLenient(bool lenient);
 
   String stringFromDate(Date date) const;
-  // The date the whole text stands for; nullopt when it does not match, and always for a
-  // pattern with a fractional-seconds field of more than 18 "S".
+  // The date the whole text stands for; nullopt when it does not match, and always when
+  // the pattern has a fractional-seconds field ("S") and the text a run of more than 32
+  // decimal digits (ICU cannot read such a fraction safely).
   std::optional<Date> dateFromString(const String& text) const;
   // The locale's weekday names, Sunday first.
   Array weekdaySymbols() const;

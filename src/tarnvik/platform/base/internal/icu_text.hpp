@@ -4,6 +4,9 @@
 #include <unicode/locid.h>
 #include <unicode/unistr.h>
 
+#include <set>
+#include <string>
+
 #include "tarnvik/platform/base/string.hpp"
 
 namespace tarnvik::icu_text {
@@ -27,12 +30,26 @@ inline std::u16string_view view(const icu::UnicodeString& text) {
 inline std::u16string units(const icu::UnicodeString& text) { return std::u16string(view(text)); }
 inline String fromICU(const icu::UnicodeString& text) { return String(view(text)); }
 
+// Whether ICU holds data for the locale's language (the root locale, with no language,
+// counts as known).
+inline bool hasLocaleData(const icu::Locale& locale) {
+  static const std::set<std::string, std::less<>> languages = [] {
+    std::set<std::string, std::less<>> known;
+    int32_t count = 0;
+    const icu::Locale* available = icu::Locale::getAvailableLocales(count);
+    for (int32_t i = 0; i < count; ++i) known.insert(available[i].getLanguage());
+    return known;
+  }();
+  return locale.getLanguage()[0] == '\0' || languages.contains(locale.getLanguage());
+}
+
 // The locale an identifier names. Text ICU cannot read as an identifier ("English (United
-// States)") gives a locale ICU marks bogus, which its formatters do not survive: that gives
-// "en_US_POSIX" instead.
+// States)") gives a locale ICU marks bogus, and an identifier of a language ICU has no data
+// for ("zz", "es)") a locale without day-period rules: ICU's formatters survive neither
+// (parsing "B" crashes), so both give "en_US_POSIX" instead.
 inline icu::Locale locale(const String& identifier) {
   icu::Locale named(identifier.utf8().c_str());
-  return named.isBogus() ? icu::Locale("en_US_POSIX") : named;
+  return named.isBogus() || !hasLocaleData(named) ? icu::Locale("en_US_POSIX") : named;
 }
 
 }  // namespace tarnvik::icu_text
