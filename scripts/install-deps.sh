@@ -1,10 +1,14 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the project builds, tests and benchmarks with, when any is
-# missing. Runs apt-get update first, as a fresh machine needs.
+# missing. Runs apt-get update first, as a fresh machine needs. With --fuzz it also installs
+# clang and its libFuzzer runtime, for the harnesses in fuzz/.
 set -euo pipefail
 packages=(build-essential cmake pkg-config ccache openssl gzip xxd python3
           libicu-dev libplist-dev libssl-dev zlib1g-dev liburiparser-dev
           libgtest-dev libgmock-dev libbenchmark-dev)
+if [ "${1:-}" = "--fuzz" ]; then
+  packages+=(clang libclang-rt-dev)
+fi
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
