@@ -1,5 +1,8 @@
 #include "tarnvik/platform/time/calendar.hpp"
 
+#include <cmath>
+#include <limits>
+
 #include "support/pinned_time.hpp"
 #include "tarnvik/platform/time/date_formatter.hpp"
 
@@ -99,6 +102,17 @@ TEST_F(CalendarTest, OverlongFractionalSecondsParseNothing) {
   EXPECT_FALSE(f.dateFromString(String(std::u16string(42, u'4'))).has_value());
   f.setDateFormat(u"'SSSS' ss");  // quoted: only text, no fraction field
   EXPECT_TRUE(f.dateFromString(u"SSSS 05").has_value());
+}
+
+TEST_F(CalendarTest, DatesNoCalendarCanPlaceFormatToNothing) {
+  DateFormatter f;
+  f.setLocaleIdentifier(u"ja_JP");
+  f.setDateFormat(u"EEEB, MMMM d, y");
+  for (const double seconds :
+       {std::nan(""), std::numeric_limits<double>::infinity(), -1e300, 2e14}) {
+    EXPECT_EQ(f.stringFromDate(Date{seconds}).utf8(), "") << seconds;
+  }
+  EXPECT_FALSE(f.stringFromDate(Date{1e14}).isEmpty());  // three million years on: still placed
 }
 
 TEST_F(CalendarTest, NoStyleForEitherPartWritesNothing) {

@@ -9,6 +9,8 @@
 #include <unicode/udisplaycontext.h>
 #include <unicode/utf16.h>
 
+#include <cmath>
+
 #include "tarnvik/platform/base/internal/icu_text.hpp"
 
 namespace tarnvik {
@@ -29,6 +31,8 @@ namespace {
 
 // ICU counts milliseconds from 1970.
 constexpr double kMillisecondsPerSecond = 1000.0;
+// The widest instant ICU's calendars accept (their MAX_MILLIS), in milliseconds from 1970.
+constexpr double kLargestMilliseconds = 183882168921600000.0;
 
 icu::DateFormat::EStyle icuStyle(UInteger style, bool relative) {
   icu::DateFormat::EStyle s = icu::DateFormat::kNone;
@@ -170,8 +174,12 @@ void DateFormatter::setLenient(bool lenient) {
 String DateFormatter::stringFromDate(Date date) const {
   std::lock_guard guard(lock_);
   if (!state_->format) return String();
+  // ICU's calendars span about 5.8 million years either side of 1970; outside them (and for
+  // NaN) its fields are garbage that formatting indexes tables with.
+  const double millis = date.timeIntervalSince1970() * kMillisecondsPerSecond;
+  if (!(std::fabs(millis) <= kLargestMilliseconds)) return String(u"");
   icu::UnicodeString out;
-  state_->format->format(date.timeIntervalSince1970() * kMillisecondsPerSecond, out);
+  state_->format->format(millis, out);
   return icu_text::fromICU(out);
 }
 

@@ -55,6 +55,8 @@ class DateFormatter {
   TimeZone timeZone() const;
   void setLenient(bool lenient);
 
+  // "" for a date no calendar can place: NaN, infinite, or more than about 5.8 million years
+  // from 1970.
   String stringFromDate(Date date) const;
   // The date the whole text stands for; nullopt when it does not match, and always when
   // the pattern has a fractional-seconds field ("S") and the text a run of more than 32
