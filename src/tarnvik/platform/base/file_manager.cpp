@@ -214,13 +214,12 @@ bool FileManager::createDirectoryAtPath(const String& path, bool intermediates, 
   }
   if (failure != ENOENT) return fail(error, FileOperation::Create, path, failure);
   const String parent = path.stringByDeletingLastPathComponent();
-  if (parent.isEmpty() || parent == path || !createDirectoryAtPath(parent, true, error)) {
-    return parent.isEmpty() || parent == path ? fail(error, FileOperation::Create, path, failure)
-                                              : false;
-  }
+  if (parent.isEmpty() || parent == path) return fail(error, FileOperation::Create, path, failure);
+  if (!createDirectoryAtPath(parent, true, error)) return false;
   if (::mkdir(path.utf8().c_str(), 0777) == 0) return true;
-  if (errno == EEXIST && fileExistsAtPath(path, &isDirectory) && isDirectory) return true;
-  return fail(error, FileOperation::Create, path, errno);
+  const int again = errno;  // another thread may have made it meanwhile
+  if (again == EEXIST && fileExistsAtPath(path, &isDirectory) && isDirectory) return true;
+  return fail(error, FileOperation::Create, path, again);
 }
 
 Data FileManager::contentsAtPath(const String& path, UInteger options, Error* error) {

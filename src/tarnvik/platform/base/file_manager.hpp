@@ -176,7 +176,8 @@ class FileManager {
   // codes.
   virtual bool moveItemAtPath(const String& path, const String& toPath, Error* error = nullptr);
   // Copies a file with its permissions and dates, a link as a link, and a folder with its
-  // whole contents; fails with 516 when something exists at the destination. Copy codes.
+  // whole contents; fails with 516 when something exists at the destination. Copy codes. A
+  // file that fails part-way is removed; a folder keeps what was copied before the failure.
   virtual bool copyItemAtPath(const String& path, const String& toPath, Error* error = nullptr);
   // Removes a file, a link (not its target) or a folder with everything in it. Remove
   // codes; a folder whose contents were partly removed stays with the rest.
