@@ -53,10 +53,12 @@ bool FileManager::moveItemAtPath(const String& path, const String& toPath, Error
   if (failure == EEXIST) return fail(error, FileOperation::Move, toPath, EEXIST);
   if (failure != EXDEV) return fail(error, FileOperation::Move, path, failure);
   // Across volumes: copy, then remove the source. A copy that fails removes what it made,
-  // so the source stays the only full copy.
+  // so the source stays the only full copy; one that found something in its way (made
+  // there meanwhile) leaves that alone.
   if (itemExistsAtPath(toPath)) return fail(error, FileOperation::Move, toPath, EEXIST);
-  if (!copyItemAtPath(path, toPath, error)) {
-    removeItemAtPath(toPath);
+  if (Error copyError; !copyItemAtPath(path, toPath, &copyError)) {
+    if (copyError.code() != NSFileWriteFileExistsError) removeItemAtPath(toPath);
+    if (error) *error = copyError;
     return false;
   }
   return removeItemAtPath(path, error);
