@@ -22,6 +22,7 @@ class FailingFileManager : public FileManager {
   enum class Step {
     Attributes,
     ContentsOfDirectory,
+    EntriesOfDirectory,
     CreateDirectory,
     ContentsAtPath,
     CreateTemporaryFile,
@@ -61,6 +62,12 @@ class FailingFileManager : public FileManager {
   Array contentsOfDirectoryAtPath(const String& path, Error* error = nullptr) override {
     return unlessFailing(Step::ContentsOfDirectory, FileOperation::Read, path, error,
                          [&] { return FileManager::contentsOfDirectoryAtPath(path, error); });
+  }
+  bool entriesOfDirectoryAtPath(const String& path, std::vector<DirectoryEntry>* out,
+                                Error* error = nullptr) override {
+    if (out) out->clear();
+    return unlessFailing(Step::EntriesOfDirectory, FileOperation::Read, path, error,
+                         [&] { return FileManager::entriesOfDirectoryAtPath(path, out, error); });
   }
   bool createDirectoryAtPath(const String& path, bool intermediates,
                              Error* error = nullptr) override {

@@ -14,6 +14,7 @@
 #include "tarnvik/platform/base/dictionary.hpp"
 #include "tarnvik/platform/base/enumerator.hpp"
 #include "tarnvik/platform/base/error.hpp"
+#include "tarnvik/platform/base/directory_enumerator.hpp"
 #include "tarnvik/platform/base/file_manager.hpp"
 #include "tarnvik/platform/base/geometry.hpp"
 #include "tarnvik/platform/base/index_set.hpp"

@@ -5,9 +5,9 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
 #include "support/failing_file_manager.hpp"
+#include "support/file_helpers.hpp"
 #include "support/temp_dir.hpp"
 #include "tarnvik/platform/base/file_manager.hpp"
 
@@ -18,23 +18,9 @@ namespace fs = std::filesystem;
 using testing::FailingFileManager;
 using Step = FailingFileManager::Step;
 
-std::string slurp(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  std::ostringstream bytes;
-  bytes << in.rdbuf();
-  return bytes.str();
-}
-
-std::vector<std::string> namesIn(const fs::path& folder) {
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(folder)) {
-    names.push_back(entry.path().filename().string());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
-String str(const fs::path& path) { return String(path.string()); }
+using testing::namesIn;
+using testing::slurp;
+using testing::str;
 
 struct AtomicWriteFailure {
   const char* name;
@@ -117,6 +103,31 @@ TEST(FileCopy, FilesKeepBytesPermissionsAndDatesAndLinksStayLinks) {
   EXPECT_EQ(error.code(), NSFileNoSuchFileError);
   EXPECT_EQ(error.userInfo().objectForKey(NSFilePathErrorKey).asString().utf8(),
             (dir.path() / "missing").string());
+}
+
+// Each kernel path (and the fallback) must carry every byte: a large file on the same file
+// system, one onto another file system, an empty one, and a procfs file whose size reads 0
+// although it has bytes.
+TEST(FileCopy, EveryCopyPathCarriesEveryByte) {
+  testing::TempDir dir;
+  std::string large(3 * 1024 * 1024 + 17, '\0');
+  for (std::size_t i = 0; i < large.size(); ++i) large[i] = static_cast<char>(i * 7919 % 251);
+  const fs::path source = dir.write("large.mov", large);
+  dir.write("empty.txt", "");
+  FileManager& fm = FileManager::defaultManager();
+  Error error;
+  ASSERT_TRUE(fm.copyItemAtPath(str(source), str(dir.path() / "same.mov"), &error));
+  EXPECT_EQ(slurp(dir.path() / "same.mov"), large);
+  ASSERT_TRUE(fm.copyItemAtPath(str(dir.path() / "empty.txt"), str(dir.path() / "e"), &error));
+  EXPECT_EQ(fs::file_size(dir.path() / "e"), 0u);
+  ASSERT_TRUE(fm.copyItemAtPath(u"/proc/self/status", str(dir.path() / "status"), &error));
+  EXPECT_NE(slurp(dir.path() / "status").find("Pid:"), std::string::npos);
+  if (fs::is_directory("/dev/shm")) {
+    const fs::path other = fs::path("/dev/shm") / (dir.path().filename().string() + ".mov");
+    ASSERT_TRUE(fm.copyItemAtPath(str(source), str(other), &error)) << error.description();
+    EXPECT_EQ(slurp(other), large);
+    fs::remove(other);
+  }
 }
 
 TEST(FileMove, RenamesRefusesToReplaceAndCrossesVolumes) {

@@ -202,6 +202,41 @@ Array FileManager::contentsOfDirectoryAtPath(const String& path, Error* error) {
   return names;
 }
 
+bool FileManager::entriesOfDirectoryAtPath(const String& path, std::vector<DirectoryEntry>* out,
+                                           Error* error) {
+  if (out) out->clear();
+  const std::string folderPath = path.utf8();
+  DIR* folder = ::opendir(folderPath.c_str());
+  if (!folder) return fail(error, FileOperation::Read, path, errno);
+  std::vector<DirectoryEntry> entries;
+  errno = 0;
+  while (const dirent* entry = ::readdir(folder)) {
+    const std::string_view name(entry->d_name);
+    if (name == "." || name == "..") continue;
+    FileType type = FileType::Other;
+    switch (entry->d_type) {
+      case DT_REG: type = FileType::Regular; break;
+      case DT_DIR: type = FileType::Directory; break;
+      case DT_LNK: type = FileType::SymbolicLink; break;
+      case DT_UNKNOWN: {
+        struct stat info {};
+        if (::fstatat(::dirfd(folder), entry->d_name, &info, AT_SYMLINK_NOFOLLOW) == 0) {
+          type = typeOf(info.st_mode);
+        }
+        break;
+      }
+      default: break;
+    }
+    entries.push_back(DirectoryEntry{String::fromUTF8Lossy(name), type});
+    errno = 0;
+  }
+  const int failure = errno;
+  ::closedir(folder);
+  if (failure != 0) return fail(error, FileOperation::Read, path, failure);
+  if (out) *out = std::move(entries);
+  return true;
+}
+
 bool FileManager::createDirectoryAtPath(const String& path, bool intermediates, Error* error) {
   if (path.isEmpty()) return fail(error, FileOperation::Create, path, ENOENT);
   if (::mkdir(path.utf8().c_str(), 0777) == 0) return true;

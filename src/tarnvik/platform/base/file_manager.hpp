@@ -17,6 +17,7 @@
 
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 #include "tarnvik/platform/base/array.hpp"
 #include "tarnvik/platform/base/data.hpp"
@@ -63,6 +64,12 @@ struct FileAttributes {
   UInteger fileNumber = 0;
   UInteger linkCount = 0;
   bool isDirectory() const { return type == FileType::Directory; }
+};
+
+// One item of a folder: its name and what it is itself (a link is a link).
+struct DirectoryEntry {
+  String name;
+  FileType type = FileType::Other;
 };
 
 // The statistics of the file system holding a path.
@@ -133,6 +140,11 @@ class FileManager {
   // The names in the folder (hidden ones included, "." and ".." not), in the order the
   // system lists them. nil on failure (Read codes).
   virtual Array contentsOfDirectoryAtPath(const String& path, Error* error = nullptr);
+  // The folder's items with their kinds, "." and ".." left out, in the order the system
+  // lists them: one pass over the folder, with a stat only where the file system does not
+  // give the kind. false on failure (Read codes); *out then holds nothing.
+  virtual bool entriesOfDirectoryAtPath(const String& path, std::vector<DirectoryEntry>* out,
+                                        Error* error = nullptr);
   // Creates the folder, and with intermediates every missing folder above it (an existing
   // folder is then no failure). Create codes.
   virtual bool createDirectoryAtPath(const String& path, bool intermediates,
@@ -178,9 +190,14 @@ class FileManager {
   // Copies a file with its permissions and dates, a link as a link, and a folder with its
   // whole contents; fails with 516 when something exists at the destination. Copy codes. A
   // file that fails part-way is removed; a folder keeps what was copied before the failure.
+  // A file's bytes take the fastest way the two file systems allow: a shared-extent clone
+  // (FICLONE), an in-kernel copy (copy_file_range, then sendfile), else reads and writes
+  // of 1 MiB.
   virtual bool copyItemAtPath(const String& path, const String& toPath, Error* error = nullptr);
   // Removes a file, a link (not its target) or a folder with everything in it. Remove
-  // codes; a folder whose contents were partly removed stays with the rest.
+  // codes; a folder whose contents were partly removed stays with the rest. The default
+  // manager walks a folder by descriptor; a subclass sees the removal of every item inside
+  // it as a call of its own removeItemAtPath.
   virtual bool removeItemAtPath(const String& path, Error* error = nullptr);
 
   // ---- Links, dates, permissions, real paths ----
@@ -226,6 +243,7 @@ class FileManager {
  private:
   bool copyFile(const String& path, const String& toPath, const FileAttributes& source,
                 Error* error);
+  bool removeFolderContents(const String& path, Error* error);
 };
 
 // The volumes of a mount table in the text form of /proc/self/mountinfo, by the rule of
