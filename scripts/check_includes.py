@@ -20,6 +20,7 @@ FLOORS = {
     "net": 7,
     "codec": 7,
     "time": 7,
+    "fs": 8,  # uses text (unique names, affixes)
     "": 100,  # tarnvik.hpp, which includes everything
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s+"tarnvik/([^"]+)"', re.M)

@@ -31,6 +31,7 @@
 #include "tarnvik/platform/net/url_request.hpp"
 #include "tarnvik/platform/system/bundle.hpp"
 #include "tarnvik/platform/system/log.hpp"
+#include "tarnvik/platform/system/user_defaults.hpp"
 #include "tarnvik/platform/text/format.hpp"
 #include "tarnvik/platform/text/regular_expression.hpp"
 #include "tarnvik/platform/text/scanner.hpp"

@@ -158,6 +158,7 @@ bool FileManager::attributesOfItemAtPath(const String& path, bool followLinks, F
   out->size = info.stx_size;
   out->modificationDate = dateOf(info.stx_mtime);
   out->accessDate = dateOf(info.stx_atime);
+  out->statusChangeDate = dateOf(info.stx_ctime);
   out->creationDate =
       (info.stx_mask & STATX_BTIME) ? dateOf(info.stx_btime) : out->modificationDate;
   out->permissions = info.stx_mode & 07777;
@@ -392,6 +393,19 @@ bool FileManager::setModificationDate(const String& path, Date date, Error* erro
 bool FileManager::setPosixPermissions(const String& path, std::uint32_t permissions, Error* error) {
   if (::chmod(path.utf8().c_str(), static_cast<mode_t>(permissions & 07777)) == 0) return true;
   return fail(error, FileOperation::Write, path, errno);
+}
+
+bool FileManager::setAttributes(const Dictionary& attributes, const String& path, Error* error) {
+  if (const Value date = attributes.objectForKey(NSFileModificationDate); date.kind() == ValueKind::Date) {
+    if (!setModificationDate(path, date.asDate(), error)) return false;
+  }
+  if (const Value mode = attributes.objectForKey(NSFilePosixPermissions); mode.isNumber()) {
+    if (!setPosixPermissions(path, static_cast<std::uint32_t>(mode.unsignedIntegerValue() & 07777),
+                             error)) {
+      return false;
+    }
+  }
+  return true;
 }
 
 String FileManager::realPathOfItemAtPath(const String& path, Error* error) {

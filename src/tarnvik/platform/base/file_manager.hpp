@@ -22,6 +22,7 @@
 #include "tarnvik/platform/base/array.hpp"
 #include "tarnvik/platform/base/data.hpp"
 #include "tarnvik/platform/base/date.hpp"
+#include "tarnvik/platform/base/dictionary.hpp"
 #include "tarnvik/platform/base/error.hpp"
 #include "tarnvik/platform/base/string.hpp"
 
@@ -46,6 +47,11 @@ enum FileErrorCode : Integer {
   NSFileWriteVolumeReadOnlyError = 642,
 };
 
+// Keys of an item's attribute dictionary (setAttributes).
+inline constexpr char16_t NSFileModificationDate[] = u"NSFileModificationDate";
+inline constexpr char16_t NSFileCreationDate[] = u"NSFileCreationDate";
+inline constexpr char16_t NSFilePosixPermissions[] = u"NSFilePosixPermissions";
+
 // What a path names.
 enum class FileType : std::uint8_t { Regular, Directory, SymbolicLink, Other };
 
@@ -58,6 +64,8 @@ struct FileAttributes {
   // it does not. It cannot be set on Linux.
   Date creationDate;
   Date accessDate;
+  // When the item's attributes last changed (ctime).
+  Date statusChangeDate;
   // The permission bits (07777).
   std::uint32_t permissions = 0;
   UInteger deviceIdentifier = 0;
@@ -212,6 +220,10 @@ class FileManager {
   // Sets the permission bits (07777) of the item. Write codes.
   virtual bool setPosixPermissions(const String& path, std::uint32_t permissions,
                                    Error* error = nullptr);
+  // Applies the attributes of the dictionary the system can set: NSFileModificationDate
+  // (a Date) and NSFilePosixPermissions (a number). NSFileCreationDate cannot be set on
+  // Linux and is left out; other keys are ignored. Stops at the first failure.
+  bool setAttributes(const Dictionary& attributes, const String& path, Error* error = nullptr);
   // The absolute path with every link resolved (realpath(3)); nil when any part of it does
   // not exist (Read codes).
   virtual String realPathOfItemAtPath(const String& path, Error* error = nullptr);

@@ -2,6 +2,8 @@
 
 #include <plist/plist.h>
 
+#include <cmath>
+#include <cstdint>
 #include <cstdlib>
 
 #include "tarnvik/platform/base/data.hpp"
@@ -153,6 +155,8 @@ Value fromPlist(plist_t node) {
     case PLIST_UINT: {
       uint64_t u = 0;
       plist_get_uint_val(node, &u);
+      // Negative integers are written as their two's-complement pattern.
+      if (u > static_cast<uint64_t>(INT64_MAX)) return Value(static_cast<long long>(u));
       return Value(u);
     }
     case PLIST_REAL: {
@@ -210,7 +214,62 @@ Value fromPlist(plist_t node) {
   }
 }
 
+plist_t toPlist(const Value& value) {
+  switch (value.kind()) {
+    case ValueKind::Bool:
+      return plist_new_bool(value.boolValue() ? 1 : 0);
+    case ValueKind::Int:
+      return plist_new_uint(static_cast<uint64_t>(value.longLongValue()));
+    case ValueKind::UInt:
+      return plist_new_uint(value.unsignedIntegerValue());
+    case ValueKind::Double:
+      return plist_new_real(value.doubleValue());
+    case ValueKind::String:
+      return plist_new_string(value.asString().utf8().c_str());
+    case ValueKind::Data: {
+      const Data data = value.asData();
+      return plist_new_data(reinterpret_cast<const char*>(data.bytes()), data.length());
+    }
+    case ValueKind::Date: {
+      const double seconds = value.asDate().timeIntervalSinceReferenceDate;
+      const double whole = std::floor(seconds);
+      return plist_new_date(saturatingCast<int32_t>(whole),
+                            saturatingCast<int32_t>((seconds - whole) * 1e6));
+    }
+    case ValueKind::Array: {
+      plist_t array = plist_new_array();
+      for (const Value& item : value.asArray()) {
+        if (plist_t node = toPlist(item)) plist_array_append_item(array, node);
+      }
+      return array;
+    }
+    case ValueKind::Dictionary: {
+      plist_t dictionary = plist_new_dict();
+      for (const auto& [key, item] : value.asDictionary()) {
+        if (!key.isString()) continue;
+        if (plist_t node = toPlist(item)) {
+          plist_dict_set_item(dictionary, key.asString().utf8().c_str(), node);
+        }
+      }
+      return dictionary;
+    }
+    default:
+      return nullptr;
+  }
+}
+
 }  // namespace
+
+std::string serializePropertyListDictionary(const Dictionary& dictionary) {
+  plist_t root = toPlist(dictionary.isNil() ? Dictionary::dictionary() : dictionary);
+  char* xml = nullptr;
+  uint32_t length = 0;
+  plist_to_xml(root, &xml, &length);
+  std::string text(xml ? xml : "", length);
+  std::free(xml);
+  plist_free(root);
+  return text;
+}
 
 Dictionary parseStringsText(const std::string& bytes) {
   return StringsParser(decodeText(bytes)).parse();

@@ -15,6 +15,10 @@ Dictionary parseStringsText(const std::string& bytes);
 // An XML or binary property list whose root is a dictionary, converted to Values; nil when
 // the bytes are not such a list.
 Dictionary parsePropertyListDictionary(const std::string& bytes);
+// The dictionary as an XML property list. Values a property list cannot hold (nil, Null,
+// sets, errors, objects) are left out; negative integers are stored as their 64-bit
+// pattern and read back signed.
+std::string serializePropertyListDictionary(const Dictionary& dictionary);
 // Either of the above, by the first bytes; nil when the file cannot be read (through the
 // default file manager) or parsed.
 Dictionary readTable(const String& path);
