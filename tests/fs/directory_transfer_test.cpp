@@ -1,10 +1,12 @@
 // Folder transfers on real temporary folders: merging, ".DS_Store", overwrite rules, the
 // error codes and texts, options, and a lose-nothing matrix with failures injected at every
 // step of a copy and of a move.
+#include "tarnvik/fs/directory_transfer.hpp"
+
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -14,7 +16,6 @@
 #include "support/raised.hpp"
 #include "support/temp_dir.hpp"
 #include "tarnvik/core/errors.hpp"
-#include "tarnvik/fs/directory_transfer.hpp"
 
 namespace tarnvik {
 namespace {
@@ -49,7 +50,10 @@ TEST(DirectoryTransfer, CopiesAndMovesWithoutDSStoreAtAnyLevel) {
   Folders copy;
   Error error;
   ASSERT_TRUE(copyContentsOfDirectoryAtPath(fm, str(copy.src), str(copy.dst), &error));
-  const Tree expected{{"a/", ""}, {"a/b.txt", "bee"}, {"a/deep/", ""}, {"a/deep/c.txt", "sea"},
+  const Tree expected{{"a/", ""},
+                      {"a/b.txt", "bee"},
+                      {"a/deep/", ""},
+                      {"a/deep/c.txt", "sea"},
                       {"top.mov", "movie"}};
   EXPECT_EQ(treeOf(copy.dst), expected);
   EXPECT_EQ(treeOf(copy.src).size(), 7u);  // the source is untouched
@@ -229,8 +233,8 @@ struct Injection {
   bool copy;
   bool overwrite;
   Step step;
-  int nth;            // 0: every call on the folder "a"
-  bool succeeds;      // the Part's result
+  int nth;             // 0: every call on the folder "a"
+  bool succeeds;       // the Part's result
   const char* reason;  // the start of the reason text
 };
 
@@ -266,8 +270,8 @@ TEST(DirectoryTransfer, LosesNothingWhateverStepFails) {
       fm.failCall(injection.step, injection.nth, EIO);
     }
     Error error;
-    const bool done = transferContentsOfDirectoryAtPath(fm, str(f.src), str(f.dst),
-                                                        injection.overwrite, &error, injection.copy);
+    const bool done = transferContentsOfDirectoryAtPath(
+        fm, str(f.src), str(f.dst), injection.overwrite, &error, injection.copy);
     EXPECT_EQ(done, injection.succeeds);
     EXPECT_EQ(error.code(), 1);
     EXPECT_TRUE(reasonOf(error).starts_with(injection.reason)) << reasonOf(error);
@@ -293,8 +297,8 @@ TEST(DirectoryTransfer, ReadOnlyDestinationStopsTheMoveAndKeepsTheSource) {
   }
   const Tree before = treeOf(f.src);
   Error error;
-  EXPECT_FALSE(moveContentsOfDirectoryAtPath(FileManager::defaultManager(), str(f.src),
-                                             str(f.dst), &error));
+  EXPECT_FALSE(
+      moveContentsOfDirectoryAtPath(FileManager::defaultManager(), str(f.src), str(f.dst), &error));
   EXPECT_EQ(error.code(), 1);
   EXPECT_TRUE(reasonOf(error).starts_with("Could not ")) << reasonOf(error);
   if (folder >= 0) {

@@ -22,8 +22,9 @@ int process_total_file_count(const char*, const struct stat*, int flag) {
 
 int process_total_file_size(const char*, const struct stat* info, int flag) {
   if (flag == FTW_F) {
-    __cfi_total_file_size = static_cast<std::int32_t>(
-        static_cast<std::uint32_t>(__cfi_total_file_size) + static_cast<std::uint32_t>(info->st_size));
+    __cfi_total_file_size =
+        static_cast<std::int32_t>(static_cast<std::uint32_t>(__cfi_total_file_size) +
+                                  static_cast<std::uint32_t>(info->st_size));
   }
   return 0;
 }
@@ -114,13 +115,18 @@ Array directoryFilesAtPathCFI(const String& path) {
     if (full.isNil()) continue;  // the name is not UTF-8
     bool isLink = false, isFolder = false;
     switch (entry->d_type) {
-      case DT_LNK: isLink = true; break;
-      case DT_DIR: isFolder = true; break;
+      case DT_LNK:
+        isLink = true;
+        break;
+      case DT_DIR:
+        isFolder = true;
+        break;
       case DT_UNKNOWN:
         isFolder = isDirectoryCFI(full);
         isLink = isSymbolicLinkCFI(full);
         break;
-      default: break;
+      default:
+        break;
     }
     files.addObject(std::make_shared<CFIFile>(std::move(full), isFolder, isLink));
   }

@@ -127,7 +127,8 @@ bool transferContentsOfDirectoryAtPath(FileManager& fileManager, const String& s
     if (item.isDirectory()) {
       if (directoryExistsAtPath(fileManager, target)) continue;
       if (Error underlying; !fileManager.createDirectoryAtPath(target, true, &underlying)) {
-        return fail(fs_texts::error(1, underlying, u"Could not create directory at path %@", target));
+        return fail(
+            fs_texts::error(1, underlying, u"Could not create directory at path %@", target));
       }
       continue;
     }
@@ -170,10 +171,12 @@ bool transferContentsOfDirectoryAtPath(FileManager& fileManager, const String& s
   if (!reporter.finish()) return fail(cancelled);
   if (!options.copy) {
     Error underlying;
-    const bool emptied = skippedAny ? removeLeftovers(fileManager, from, true, &underlying)
-                                    : removeContentsOfDirectoryAtPath(fileManager, from, &underlying);
+    const bool emptied = skippedAny
+                             ? removeLeftovers(fileManager, from, true, &underlying)
+                             : removeContentsOfDirectoryAtPath(fileManager, from, &underlying);
     if (!emptied) {
-      return fail(fs_texts::error(1, underlying, u"Could not remove contents of directory %@", from));
+      return fail(
+          fs_texts::error(1, underlying, u"Could not remove contents of directory %@", from));
     }
   }
   return true;
@@ -190,7 +193,8 @@ bool transferContentsOfDirectoryAtPath(FileManager& fileManager, const String& s
 
 bool copyContentsOfDirectoryAtPath(FileManager& fileManager, const String& source,
                                    const String& destination, bool overwrite, Error* error) {
-  return transferContentsOfDirectoryAtPath(fileManager, source, destination, overwrite, error, true);
+  return transferContentsOfDirectoryAtPath(fileManager, source, destination, overwrite, error,
+                                           true);
 }
 
 bool copyContentsOfDirectoryAtPath(FileManager& fileManager, const String& source,
@@ -199,8 +203,8 @@ bool copyContentsOfDirectoryAtPath(FileManager& fileManager, const String& sourc
 }
 
 bool copyContentsOfDirectoryAtPathToDirectoryAtPathRemovingDestinationContents(
-    FileManager& fileManager, const String& source, const String& destination,
-    bool removeContents, Error* error) {
+    FileManager& fileManager, const String& source, const String& destination, bool removeContents,
+    Error* error) {
   if (removeContents && !removeContentsOfDirectoryAtPath(fileManager, destination, error)) {
     return false;
   }
@@ -232,7 +236,8 @@ bool removeContentsOfDirectoryAtPath(FileManager& fileManager, const String& pat
   for (const Value& name : names) {
     const String child = path.stringByAppendingPathComponent(name.asString());
     if (!fileManager.removeItemAtPath(child, &underlying)) {
-      if (error) *error = fs_texts::error(2, underlying, u"Could not remove item at path %@", child);
+      if (error)
+        *error = fs_texts::error(2, underlying, u"Could not remove item at path %@", child);
       return false;
     }
   }

@@ -79,8 +79,8 @@ bool copyContentsOfDirectoryAtPath(FileManager& fileManager, const String& sourc
 // With removeContents, first empties the destination (stopping with its error when that
 // fails); then copies without overwriting.
 bool copyContentsOfDirectoryAtPathToDirectoryAtPathRemovingDestinationContents(
-    FileManager& fileManager, const String& source, const String& destination,
-    bool removeContents, Error* error = nullptr);
+    FileManager& fileManager, const String& source, const String& destination, bool removeContents,
+    Error* error = nullptr);
 bool moveContentsOfDirectoryAtPath(FileManager& fileManager, const String& source,
                                    const String& destination, bool overwrite,
                                    Error* error = nullptr);
@@ -94,8 +94,7 @@ bool removeContentsOfDirectoryAtPath(FileManager& fileManager, const String& pat
 
 // true when the path is a folder (links followed); otherwise code 4 (something else is
 // there) or 3 (nothing is, also for a nil path, which raises nothing).
-bool sanityCheckDirectoryPath(FileManager& fileManager, const String& path,
-                              Error* error = nullptr);
+bool sanityCheckDirectoryPath(FileManager& fileManager, const String& path, Error* error = nullptr);
 
 // Without override, the file manager's copy. With override: false (no error) for a
 // missing source; a file (not a folder) at the destination is removed, failures

@@ -32,10 +32,10 @@ Array joined(std::initializer_list<Array> parts) {
 
 Array imageFileTypes() {
   static const Array types =
-      listOf({u"exr", u"xbm", u"fpx", u"pntg", u"pict", u"icns", u"qtif", u"sgi", u"tga",
-              u"bmp", u"ico", u"raf", u"raw", u"mrw", u"orf", u"srf", u"cr2", u"crw", u"tiff",
-              u"dng", u"arw", u"pef", u"mos", u"nef", u"jp2", u"png", u"gif", u"jpeg", u"jpg",
-              u"rgb", u"rmf", u"crm", u"tif"});
+      listOf({u"exr",  u"xbm", u"fpx", u"pntg", u"pict", u"icns", u"qtif", u"sgi", u"tga",
+              u"bmp",  u"ico", u"raf", u"raw",  u"mrw",  u"orf",  u"srf",  u"cr2", u"crw",
+              u"tiff", u"dng", u"arw", u"pef",  u"mos",  u"nef",  u"jp2",  u"png", u"gif",
+              u"jpeg", u"jpg", u"rgb", u"rmf",  u"crm",  u"tif"});
   return types;
 }
 
@@ -77,8 +77,9 @@ String fileSystemTypeAtPath(const String& path, Error* error, FileManager& fileM
   FileSystemAttributes attributes;
   if (!fileManager.fileSystemAttributesAtPath(path, &attributes)) {
     if (error) {
-      *error = Error(KFErrorDomainTarnvikExtensions, -1,
-                     Dictionary{{NSLocalizedFailureReasonErrorKey, u"Could not aquire file system"}});
+      *error =
+          Error(KFErrorDomainTarnvikExtensions, -1,
+                Dictionary{{NSLocalizedFailureReasonErrorKey, u"Could not aquire file system"}});
     }
     return String();
   }

@@ -28,8 +28,8 @@ bool recreate(FileManager& fileManager, const Array& folders, const String& sour
 
 }  // namespace
 
-bool recreateFoldersFromPath(FileManager& fileManager, const String& source,
-                             const String& target, bool recursive, Error* error) {
+bool recreateFoldersFromPath(FileManager& fileManager, const String& source, const String& target,
+                             bool recursive, Error* error) {
   Array folders = Array::array();
   addFoldersAtPath(fileManager, source, folders, recursive);
   return recreate(fileManager, folders, source, target, error);
@@ -43,8 +43,7 @@ bool recreateEmptyFoldersFromPath(FileManager& fileManager, const String& source
   return recreate(fileManager, folders, source, target, error);
 }
 
-void addFoldersAtPath(FileManager& fileManager, const String& path, Array& array,
-                      bool recursive) {
+void addFoldersAtPath(FileManager& fileManager, const String& path, Array& array, bool recursive) {
   const Array records = directoryFilesAtPathCFI(path);
   if (records.isNil()) return;
   for (const Value& record : records) {

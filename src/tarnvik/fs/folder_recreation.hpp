@@ -25,8 +25,8 @@ using StringPredicate = std::function<bool(const String&)>;
 // Makes, below the target, every folder found below the source (one level, or all with
 // recursive) that does not exist there yet. Goes on after a failed creation; false then,
 // with the last failure's error.
-bool recreateFoldersFromPath(FileManager& fileManager, const String& source,
-                             const String& target, bool recursive, Error* error = nullptr);
+bool recreateFoldersFromPath(FileManager& fileManager, const String& source, const String& target,
+                             bool recursive, Error* error = nullptr);
 // The same for the empty folders (addEmptyFoldersAtPath), always looking at every level;
 // recursive is accepted and ignored.
 bool recreateEmptyFoldersFromPath(FileManager& fileManager, const String& source,

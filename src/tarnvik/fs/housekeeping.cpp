@@ -70,14 +70,14 @@ void removeFilesInDirectoryAtURL(FileManager& fileManager, const URL& folder, UI
 }
 
 std::optional<std::vector<URL>> contentsOfDirectoryAtPath(FileManager& fileManager,
-                                                          const String& path,
-                                                          const String& sortKey, Error* error) {
+                                                          const String& path, const String& sortKey,
+                                                          Error* error) {
   if (path.isNil()) raiseInvalidArgument(fs_texts::localized(u"Path must not be null"));
-  if (sortKey != String(NSURLCreationDateKey) && sortKey != String(NSURLAttributeModificationDateKey) &&
-      sortKey != String(NSURLNameKey)) {
-    raiseInvalidArgument(fs_texts::localized(
-        u"Sort key must be one of the following: NSURLCreationDateKey, "
-        u"NSURLAttributeModificationDateKey or NSURLNameKey"));
+  if (sortKey != String(NSURLCreationDateKey) &&
+      sortKey != String(NSURLAttributeModificationDateKey) && sortKey != String(NSURLNameKey)) {
+    raiseInvalidArgument(
+        fs_texts::localized(u"Sort key must be one of the following: NSURLCreationDateKey, "
+                            u"NSURLAttributeModificationDateKey or NSURLNameKey"));
   }
   auto urls = contentsOfDirectoryAtURL(fileManager, URL::URLWithString(path),
                                        NSDirectoryEnumerationSkipsHiddenFiles, error);
@@ -89,8 +89,7 @@ std::optional<std::vector<URL>> contentsOfDirectoryAtPath(FileManager& fileManag
   }
   // A missing value compares as "same" with anything.
   std::stable_sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) {
-    return !a.first.isNil() && !b.first.isNil() &&
-           a.first.compare(b.first) == NSOrderedAscending;
+    return !a.first.isNil() && !b.first.isNil() && a.first.compare(b.first) == NSOrderedAscending;
   });
   urls->clear();
   for (auto& [value, url] : keyed) urls->push_back(std::move(url));

@@ -58,8 +58,7 @@ void removeFilesInDirectoryAtURL(FileManager& fileManager, const URL& folder, UI
 // "/Volumes/Media" works and a path with a space does not. Raises
 // NSInvalidArgumentException for a nil path or another key.
 std::optional<std::vector<URL>> contentsOfDirectoryAtPath(FileManager& fileManager,
-                                                          const String& path,
-                                                          const String& sortKey,
+                                                          const String& path, const String& sortKey,
                                                           Error* error = nullptr);
 
 // Free size divided by total size as whole numbers (0, or 1 for an entirely free file

@@ -65,7 +65,7 @@ TEST(URL, RelativeResolutionAndFileURLs) {
   const URL folder = URL::fileURLWithPath(String((dir.path() / "My Clips").string()));
   EXPECT_TRUE(folder.isFileURL());
   EXPECT_TRUE(folder.absoluteString().hasSuffix(u"/My%20Clips/"));
-  EXPECT_EQ(folder.path().utf8(), (dir.path() / "My Clips").string() + "/");
+  EXPECT_EQ(folder.path().utf8(), (dir.path() / "My Clips").string());
   const URL relative = URL::fileURLWithPath(u"clip.mov");
   EXPECT_TRUE(relative.path().hasPrefix(u"/"));
   EXPECT_TRUE(relative.path().hasSuffix(u"/clip.mov"));

@@ -140,6 +140,8 @@ Error FileManager::errorFor(FileOperation operation, const String& path, int pos
   const Integer code = operation == FileOperation::Read    ? readCode(posixError)
                        : operation == FileOperation::Write ? writeCode(posixError)
                                                            : changeCode(posixError);
+  if (path.isNil())
+    return Error(NSCocoaErrorDomain, code, Dictionary{{NSUnderlyingErrorKey, posix}});
   return Error(NSCocoaErrorDomain, code,
                Dictionary{{NSFilePathErrorKey, path}, {NSUnderlyingErrorKey, posix}});
 }
@@ -216,9 +218,15 @@ bool FileManager::entriesOfDirectoryAtPath(const String& path, std::vector<Direc
     if (name == "." || name == "..") continue;
     FileType type = FileType::Other;
     switch (entry->d_type) {
-      case DT_REG: type = FileType::Regular; break;
-      case DT_DIR: type = FileType::Directory; break;
-      case DT_LNK: type = FileType::SymbolicLink; break;
+      case DT_REG:
+        type = FileType::Regular;
+        break;
+      case DT_DIR:
+        type = FileType::Directory;
+        break;
+      case DT_LNK:
+        type = FileType::SymbolicLink;
+        break;
       case DT_UNKNOWN: {
         struct stat info {};
         if (::fstatat(::dirfd(folder), entry->d_name, &info, AT_SYMLINK_NOFOLLOW) == 0) {
@@ -226,7 +234,8 @@ bool FileManager::entriesOfDirectoryAtPath(const String& path, std::vector<Direc
         }
         break;
       }
-      default: break;
+      default:
+        break;
     }
     entries.push_back(DirectoryEntry{String::fromUTF8Lossy(name), type});
     errno = 0;
@@ -396,7 +405,8 @@ bool FileManager::setPosixPermissions(const String& path, std::uint32_t permissi
 }
 
 bool FileManager::setAttributes(const Dictionary& attributes, const String& path, Error* error) {
-  if (const Value date = attributes.objectForKey(NSFileModificationDate); date.kind() == ValueKind::Date) {
+  if (const Value date = attributes.objectForKey(NSFileModificationDate);
+      date.kind() == ValueKind::Date) {
     if (!setModificationDate(path, date.asDate(), error)) return false;
   }
   if (const Value mode = attributes.objectForKey(NSFilePosixPermissions); mode.isNumber()) {

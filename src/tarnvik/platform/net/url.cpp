@@ -255,8 +255,13 @@ String URL::path() const {
       (lastSlash.location == NSNotFound || semicolon.location > lastSlash.location)) {
     path = path.substringToIndex(semicolon.location);
   }
-  const String decoded = stringByRemovingPercentEncoding(path);
-  return decoded.isNil() ? path : decoded;
+  String decoded = stringByRemovingPercentEncoding(path);
+  if (decoded.isNil()) decoded = path;
+  // As the platform's path does: a trailing "/" is stripped, except from "/" itself.
+  if (decoded.length() > 1 && decoded.hasSuffix(u"/")) {
+    decoded = decoded.substringToIndex(decoded.length() - 1);
+  }
+  return decoded;
 }
 
 String URL::parameterString() const {

@@ -44,6 +44,8 @@ class URL {
   String host() const;
   // The port number, or nil.
   Value port() const;
+  // Percent-decoded, without the parameter string and without a trailing "/" (except for
+  // the path "/").
   String path() const;
   // The text after ";" in the last path segment (RFC 1808), or nil.
   String parameterString() const;
