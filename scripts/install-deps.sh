@@ -3,7 +3,7 @@
 # missing. Runs apt-get update first, as a fresh machine needs. With --fuzz it also installs
 # clang and its libFuzzer runtime, for the harnesses in fuzz/.
 set -euo pipefail
-packages=(build-essential cmake pkg-config ccache openssl gzip xxd python3
+packages=(build-essential cmake pkg-config ccache openssl gzip xxd python3 rsync
           libicu-dev libplist-dev libssl-dev zlib1g-dev liburiparser-dev
           libgtest-dev libgmock-dev libbenchmark-dev)
 if [ "${1:-}" = "--fuzz" ]; then

@@ -4,6 +4,7 @@
 #include <ftw.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <string>
 
@@ -38,6 +39,65 @@ TARNVIK_DEFINE_CLASS(CFIFile, Object,
                          .property(u"isSymbolicLink", &CFIFile::isSymbolicLink,
                                    &CFIFile::setIsSymbolicLink))
 
+// A scan's names and the blocks its records live in, one block after the other. Records
+// are made only while the scan runs, on its thread; the arena goes with the last record
+// (each record's control block holds a reference through its allocator).
+struct CFIScanArena {
+  static constexpr std::size_t kBlockSize = 256 * 1024;
+  std::string prefix;  // the folder path and "/"
+  std::string names;   // every name, one after the other
+  std::vector<std::unique_ptr<std::byte[]>> blocks;
+  std::size_t used = kBlockSize;
+
+  void* allocate(std::size_t size, std::size_t alignment) {
+    used = (used + alignment - 1) / alignment * alignment;
+    if (used + size > kBlockSize) {
+      blocks.push_back(std::make_unique_for_overwrite<std::byte[]>(std::max(size, kBlockSize)));
+      used = 0;
+    }
+    void* at = blocks.back().get() + used;
+    used += size;
+    return at;
+  }
+};
+
+namespace {
+
+template <class T>
+struct ScanAllocator {
+  using value_type = T;
+  std::shared_ptr<CFIScanArena> arena;
+  explicit ScanAllocator(std::shared_ptr<CFIScanArena> a) : arena(std::move(a)) {}
+  template <class U>
+  ScanAllocator(const ScanAllocator<U>& other) : arena(other.arena) {}  // NOLINT
+  T* allocate(std::size_t n) { return static_cast<T*>(arena->allocate(n * sizeof(T), alignof(T))); }
+  void deallocate(T*, std::size_t) noexcept {}
+  template <class U>
+  bool operator==(const ScanAllocator<U>& other) const {
+    return arena == other.arena;
+  }
+};
+
+}  // namespace
+
+String CFIFile::path() const {
+  std::lock_guard lock(mutex_);
+  if (scan_) {
+    std::string full;
+    full.reserve(scan_->prefix.size() + nameLength_);
+    full.append(scan_->prefix).append(scan_->names, nameOffset_, nameLength_);
+    path_ = String::fromUTF8Lossy(full);
+    scan_ = nullptr;
+  }
+  return path_;
+}
+
+void CFIFile::setPath(String path) {
+  std::lock_guard lock(mutex_);
+  path_ = std::move(path);
+  scan_ = nullptr;
+}
+
 String CFIFile::description() const {
   return stringWithFormat(fs_texts::localized(u"%@ - path: %@ is Directory: %d"),
                           Object::description(), path(), isDirectory_ ? 1 : 0);
@@ -52,6 +112,14 @@ std::string entryPrefix(const std::string& folder) {
   if (prefix != "/") prefix += '/';
   return prefix;
 }
+
+bool isASCII(std::string_view bytes) {
+  unsigned char any = 0;
+  for (const char c : bytes) any |= static_cast<unsigned char>(c);
+  return any < 0x80;
+}
+
+bool isUTF8(std::string_view bytes) { return isASCII(bytes) || !String::fromUTF8(bytes).isNil(); }
 
 bool statSaysType(const String& path, mode_t type, const char16_t* function,
                   const char16_t* message) {
@@ -103,16 +171,23 @@ Array directoryFilesAtPathCFI(const String& path) {
                  String(u"directoryFilesAtPathCFI:"), path);
     return Array();
   }
-  Array files = Array::array();
-  std::string entryPath = entryPrefix(folderPath);
-  const std::size_t prefixLength = entryPath.size();
+  // The names go into one buffer and the records into the scan's blocks; each record
+  // holds its name's offset and builds its path when asked.
+  auto arena = std::make_shared<CFIScanArena>();
+  const ScanAllocator<CFIFile> allocator(arena);
+  arena->prefix = entryPrefix(folderPath);
+  std::vector<Value> records;
+  // The folder's own size is close to the bytes of its entries: room for the names and a
+  // guess at the count, so that neither buffer is copied as it grows.
+  if (struct stat info{}; ::fstat(::dirfd(folder), &info) == 0 && info.st_size > 0) {
+    const auto bytes = static_cast<std::size_t>(std::min<off_t>(info.st_size, off_t{64} << 20));
+    arena->names.reserve(bytes);
+    records.reserve(bytes / 32);
+  }
   while (const dirent* entry = ::readdir(folder)) {
     const std::string_view name(entry->d_name);
     if (name.empty() || name == "." || name == "..") continue;
-    entryPath.resize(prefixLength);
-    entryPath.append(name);
-    String full = String::fromUTF8(entryPath);
-    if (full.isNil()) continue;  // the name is not UTF-8
+    if (!isUTF8(name)) continue;
     bool isLink = false, isFolder = false;
     switch (entry->d_type) {
       case DT_LNK:
@@ -121,17 +196,22 @@ Array directoryFilesAtPathCFI(const String& path) {
       case DT_DIR:
         isFolder = true;
         break;
-      case DT_UNKNOWN:
+      case DT_UNKNOWN: {
+        const String full = String::fromUTF8(arena->prefix + std::string(name));
         isFolder = isDirectoryCFI(full);
         isLink = isSymbolicLinkCFI(full);
         break;
+      }
       default:
         break;
     }
-    files.addObject(std::make_shared<CFIFile>(std::move(full), isFolder, isLink));
+    const auto offset = static_cast<std::uint32_t>(arena->names.size());
+    arena->names.append(name);
+    records.emplace_back(std::allocate_shared<CFIFile>(
+        allocator, arena.get(), offset, static_cast<std::uint32_t>(name.size()), isFolder, isLink));
   }
   ::closedir(folder);
-  return files;
+  return Array(std::move(records));
 }
 
 Array directoryContentsAtPathCFI(const String& path, bool omitFolders) {

@@ -11,6 +11,7 @@
 
 #include <sys/stat.h>
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -20,22 +21,29 @@
 
 namespace tarnvik {
 
-// One entry of a folder: its full path and two kind flags. path is guarded, so it may be
-// read and set from several threads.
+// What one scan made: its names and the memory of its records, released with the last
+// of them.
+struct CFIScanArena;
+
+// One entry of a folder: its full path and two kind flags. A record made by a scan builds
+// its path on first use; path is guarded, so it may be read and set from several threads.
 class CFIFile : public Object {
  public:
   CFIFile() = default;
   CFIFile(String path, bool isDirectory, bool isSymbolicLink)
       : path_(std::move(path)), isDirectory_(isDirectory), isSymbolicLink_(isSymbolicLink) {}
+  // A record of a scan: the name is bytes [offset, offset + length) of the scan's names.
+  // The scan's arena outlives the record, whose memory it holds.
+  CFIFile(const CFIScanArena* scan, std::uint32_t offset, std::uint32_t length, bool isDirectory,
+          bool isSymbolicLink)
+      : scan_(scan),
+        nameOffset_(offset),
+        nameLength_(length),
+        isDirectory_(isDirectory),
+        isSymbolicLink_(isSymbolicLink) {}
 
-  String path() const {
-    std::lock_guard lock(mutex_);
-    return path_;
-  }
-  void setPath(String path) {
-    std::lock_guard lock(mutex_);
-    path_ = std::move(path);
-  }
+  String path() const;
+  void setPath(String path);
   bool isDirectory() const { return isDirectory_; }
   void setIsDirectory(bool value) { isDirectory_ = value; }
   bool isSymbolicLink() const { return isSymbolicLink_; }
@@ -47,8 +55,26 @@ class CFIFile : public Object {
   TARNVIK_CLASS(CFIFile)
 
  private:
-  mutable std::mutex mutex_;
-  String path_;
+  // Guards path_ and names_: a one-byte lock, as records come by the hundred thousand.
+  class PathLock {
+   public:
+    void lock() const {
+      while (flag_.test_and_set(std::memory_order_acquire))
+        flag_.wait(true, std::memory_order_relaxed);
+    }
+    void unlock() const {
+      flag_.clear(std::memory_order_release);
+      flag_.notify_one();
+    }
+
+   private:
+    mutable std::atomic_flag flag_;
+  };
+  PathLock mutex_;
+  mutable String path_;
+  mutable const CFIScanArena* scan_ = nullptr;
+  std::uint32_t nameOffset_ = 0;
+  std::uint32_t nameLength_ = 0;
   bool isDirectory_ = false;
   bool isSymbolicLink_ = false;
 };
