@@ -16,6 +16,7 @@
 #include "support/raised.hpp"
 #include "support/temp_dir.hpp"
 #include "tarnvik/core/errors.hpp"
+#include "tarnvik/platform/system/bundle.hpp"
 
 namespace tarnvik {
 namespace {
@@ -117,6 +118,27 @@ TEST(DirectoryTransfer, ChecksBothRootsAndStandardizesThem) {
   EXPECT_FALSE(sanityCheckDirectoryPath(fm, String(), &error));
   EXPECT_EQ(error.code(), 3);
   EXPECT_EQ(reasonOf(error), "Path (null) does not exist");
+}
+
+// Reasons come from the "FileManager" table of the main bundle when it has a translation.
+TEST(DirectoryTransfer, ReasonsAreLocalizedThroughTheMainBundle) {
+  testing::TempDir bundle;
+  bundle.write("Resources/de.lproj/FileManager.strings",
+               "\"Path %@ does not exist\" = \"Pfad %@ existiert nicht\";\n"
+               "\"Directory path must not be nil\" = \"Kein Ordnerpfad\";\n");
+  setenv("LANGUAGE", "de", 1);
+  Bundle::setMainBundle(Bundle::bundleWithPath(str(bundle.path())));
+  FileManager& fm = FileManager::defaultManager();
+  Error error;
+  EXPECT_FALSE(sanityCheckDirectoryPath(fm, u"/no/such/folder", &error));
+  EXPECT_EQ(reasonOf(error), "Pfad /no/such/folder existiert nicht");
+  EXPECT_EQ(testing::raised([&] { removeContentsOfDirectoryAtPath(fm, String()); }),
+            "NSInvalidArgumentException: Kein Ordnerpfad");
+  EXPECT_FALSE(sanityCheckDirectoryPath(
+      fm, str(bundle.path() / "Resources/de.lproj/FileManager.strings"), &error));
+  EXPECT_TRUE(reasonOf(error).ends_with(" is not a folder"));  // no translation: English
+  Bundle::setMainBundle(Bundle());
+  unsetenv("LANGUAGE");
 }
 
 TEST(DirectoryTransfer, RemovingContentsKeepsTheFolderAndReportsCode2) {
