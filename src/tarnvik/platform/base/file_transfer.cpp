@@ -29,8 +29,7 @@ constexpr std::size_t kCopyBufferSize = 1 << 20;
 // the next path may try.
 bool unsupported(int posixError) {
   return posixError == EXDEV || posixError == EOPNOTSUPP || posixError == ENOSYS ||
-         posixError == EINVAL || posixError == ENOTTY || posixError == EBADF ||
-         posixError == EPERM;
+         posixError == EINVAL || posixError == ENOTTY || posixError == EBADF || posixError == EPERM;
 }
 
 // Writes the whole buffer, going on after interrupted and short writes.
@@ -58,45 +57,43 @@ int readWriteCopy(int in, int out) {
   }
 }
 
-// Copies in to out by the fastest path that serves them. A path that turns out not to
-// serve them before it moved a byte hands over to the next; one that stops part-way hands
-// over at the offsets it reached, so nothing is copied twice. Answers as readWriteCopy.
-int copyBytes(int in, int out, UInteger size) {
-  if (size > 0 && ::ioctl(out, FICLONE, in) == 0) return 0;
-  ::posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
+constexpr int kHandOver = -1000000;
+
+// Calls one in-kernel copy (a function moving up to n bytes from in to out at their
+// offsets) until the end of in. Answers 0 when done, kHandOver when the next path should
+// go on from where this one stopped, else as readWriteCopy.
+template <class KernelCopy>
+int copyInKernel(KernelCopy copy, UInteger& copied) {
   constexpr std::size_t kChunk = std::size_t{1} << 30;
-  UInteger copied = 0;
-  while (size > 0) {
-    const ssize_t n = ::copy_file_range(in, nullptr, out, nullptr, kChunk, 0);
+  for (;;) {
+    const ssize_t n = copy(kChunk);
     if (n > 0) {
       copied += static_cast<UInteger>(n);
     } else if (n == 0) {
       // The end, unless the file system reports no bytes for a file that has some (as
       // procfs and some network file systems do): then the next path tries.
-      if (copied > 0) return 0;
-      break;
-    } else if (errno == EINTR) {
-      continue;
-    } else if (unsupported(errno)) {
-      break;
-    } else {
+      return copied > 0 ? 0 : kHandOver;
+    } else if (errno != EINTR) {
+      if (unsupported(errno)) return kHandOver;
       return errno == ENOSPC || errno == EDQUOT || errno == EFBIG ? errno : -errno;
     }
   }
-  while (size > 0) {
-    const ssize_t n = ::sendfile(out, in, nullptr, kChunk);
-    if (n > 0) {
-      copied += static_cast<UInteger>(n);
-    } else if (n == 0) {
-      if (copied > 0) return 0;
-      break;
-    } else if (errno == EINTR) {
-      continue;
-    } else if (unsupported(errno)) {
-      break;
-    } else {
-      return errno == ENOSPC || errno == EDQUOT || errno == EFBIG ? errno : -errno;
+}
+
+// Copies in to out by the fastest path that serves them. A path that turns out not to
+// serve them hands over to the next at the offsets it reached, so nothing is copied twice.
+// Answers as readWriteCopy.
+int copyBytes(int in, int out, UInteger size) {
+  if (size > 0 && ::ioctl(out, FICLONE, in) == 0) return 0;
+  ::posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
+  if (size > 0) {
+    UInteger copied = 0;
+    int result = copyInKernel(
+        [&](std::size_t n) { return ::copy_file_range(in, nullptr, out, nullptr, n, 0); }, copied);
+    if (result == kHandOver) {
+      result = copyInKernel([&](std::size_t n) { return ::sendfile(out, in, nullptr, n); }, copied);
     }
+    if (result != kHandOver) return result;
   }
   return readWriteCopy(in, out);
 }
@@ -245,7 +242,8 @@ bool FileManager::removeItemAtPath(const String& path, Error* error) {
   if (typeid(*this) == typeid(FileManager)) {
     std::string walked = path.utf8();
     const int failure = removeTree(walked);
-    return failure == 0 || fail(error, FileOperation::Remove, String::fromUTF8Lossy(walked), failure);
+    return failure == 0 ||
+           fail(error, FileOperation::Remove, String::fromUTF8Lossy(walked), failure);
   }
   return removeFolderContents(path, error);
 }
