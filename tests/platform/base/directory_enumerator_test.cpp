@@ -1,4 +1,6 @@
 // The deep walk: order, links, skipping, folders emptied during the walk, unreadable folders.
+#include "tarnvik/platform/base/directory_enumerator.hpp"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -6,7 +8,6 @@
 #include "support/failing_file_manager.hpp"
 #include "support/file_helpers.hpp"
 #include "support/temp_dir.hpp"
-#include "tarnvik/platform/base/directory_enumerator.hpp"
 
 namespace tarnvik {
 namespace {

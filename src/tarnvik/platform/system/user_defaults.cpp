@@ -55,12 +55,13 @@ String UserDefaults::defaultsDirectory() {
     config = FileManager::defaultManager().homeDirectoryForUser().stringByAppendingPathComponent(
         u".config");
   }
-  return config.stringByAppendingPathComponent(u"tarnvik").stringByAppendingPathComponent(
-      u"defaults");
+  return config.stringByAppendingPathComponent(u"tarnvik")
+      .stringByAppendingPathComponent(u"defaults");
 }
 
 String UserDefaults::filePath() const {
-  return defaultsDirectory().stringByAppendingPathComponent(domain_.stringByAppendingString(u".plist"));
+  return defaultsDirectory().stringByAppendingPathComponent(
+      domain_.stringByAppendingString(u".plist"));
 }
 
 void UserDefaults::loadIfNeeded() {
