@@ -21,6 +21,7 @@ FLOORS = {
     "codec": 7,
     "time": 7,
     "fs": 8,  # uses text (unique names, affixes)
+    "zip": 8,
     "": 100,  # tarnvik.hpp, which includes everything
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s+"tarnvik/([^"]+)"', re.M)

@@ -35,3 +35,4 @@
 #include "tarnvik/text/unique_names.hpp"
 #include "tarnvik/time/dates.hpp"
 #include "tarnvik/time/durations.hpp"
+#include "tarnvik/zip/zip_archive.hpp"

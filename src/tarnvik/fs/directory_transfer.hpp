@@ -26,7 +26,6 @@
 
 namespace tarnvik {
 
-inline constexpr Integer NSUserCancelledError = 3072;
 
 // What a transfer does with a file (or link) whose target path is taken.
 enum class TransferConflict : std::uint8_t {

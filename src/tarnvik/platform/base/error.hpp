@@ -19,6 +19,8 @@ inline constexpr char16_t NSLocalizedFailureReasonErrorKey[] = u"NSLocalizedFail
 inline constexpr char16_t NSUnderlyingErrorKey[] = u"NSUnderlyingError";
 inline constexpr char16_t NSDetailedErrorsKey[] = u"NSDetailedErrors";
 inline constexpr char16_t NSCocoaErrorDomain[] = u"NSCocoaErrorDomain";
+// The code in NSCocoaErrorDomain of an operation its caller cancelled.
+inline constexpr Integer NSUserCancelledError = 3072;
 
 inline constexpr char16_t NSInvalidArgumentException[] = u"NSInvalidArgumentException";
 inline constexpr char16_t NSRangeException[] = u"NSRangeException";
