@@ -123,7 +123,7 @@ struct UnzipOptions {
   // entry's bytes to its compressed size. Entries whose data overlap another's are refused.
   std::uint64_t maxTotalBytes = std::uint64_t{1} << 40;
   std::uint64_t maxEntries = 1000000;
-  std::uint64_t maxCompressionRatio = 1000;
+  std::uint64_t maxCompressionRatio = 400;
   bool refuseOverlappingEntries = true;
   // A refused entry is left out and the rest goes on, unless this is set.
   bool stopAtRefusal = false;
@@ -145,8 +145,7 @@ class KUZipArchive {
   // that exists is kept when overwrite is false. At the end every entry that is not a
   // link gets its archive date again.
   static bool unzipFileAtPath(const String& path, const String& destination, bool overwrite,
-                              const String& password, Error* error,
-                              KUZipArchiveDelegate* delegate);
+                              const String& password, Error* error, KUZipArchiveDelegate* delegate);
   static bool unzipFileAtPath(const String& path, const String& destination, bool overwrite,
                               const String& password, Error* error = nullptr);
   // overwrite, no password, no error out-parameter.

@@ -63,7 +63,8 @@ std::uint64_t centralDirectoryDisk(const std::string& path) {
     if (span >= 22 && ::fseeko(file, size - span, SEEK_SET) == 0 &&
         ::fread(tail.data(), 1, tail.size(), file) == tail.size()) {
       for (std::size_t at = tail.size() - 22 + 1; at-- > 0;) {
-        if (tail[at] == 0x50 && tail[at + 1] == 0x4b && tail[at + 2] == 0x05 && tail[at + 3] == 0x06) {
+        if (tail[at] == 0x50 && tail[at + 1] == 0x4b && tail[at + 2] == 0x05 &&
+            tail[at + 3] == 0x06) {
           disk = tail[at + 6] | (tail[at + 7] << 8);
           break;
         }
@@ -72,6 +73,17 @@ std::uint64_t centralDirectoryDisk(const std::string& path) {
   }
   ::fclose(file);
   return disk;
+}
+
+// An archive of nothing but its end record (and a comment).
+bool isEmptyArchive(const std::string& path) {
+  FILE* file = ::fopen(path.c_str(), "rb");
+  if (!file) return false;
+  unsigned char head[22] = {};
+  const bool read = ::fread(head, 1, sizeof head, file) == sizeof head;
+  ::fclose(file);
+  return read && head[0] == 0x50 && head[1] == 0x4b && head[2] == 0x05 && head[3] == 0x06 &&
+         head[10] == 0 && head[11] == 0;
 }
 
 KUZipFileInfo fileInfoOf(const unz_file_info64& info) {
@@ -153,7 +165,12 @@ bool Extraction::run() {
   const std::string archive = path_.utf8();
   unzFile zip = unzOpen64(archive.c_str());
   if (!zip) {
-    if (error_) *error_ = zipError(-1, u"failed to open zip file");
+    // minizip never finds the end record of an empty archive (it stands at offset 0, where
+    // its search stops one byte short): such an archive opens but has no first entry.
+    if (error_) {
+      *error_ = isEmptyArchive(archive) ? zipError(-2, u"failed to open first file in zip file")
+                                        : zipError(-1, u"failed to open zip file");
+    }
     return false;
   }
   unz_global_info64 global{};
@@ -168,7 +185,8 @@ bool Extraction::run() {
     if (options_.maxEntries != 0 && info.numberOfEntries > options_.maxEntries) {
       unzClose(zip);
       refuse(path_.lastPathComponent(),
-             stringWithFormat(u"%llu entries, more than %llu", info.numberOfEntries, options_.maxEntries));
+             stringWithFormat(u"%llu entries, more than %llu", info.numberOfEntries,
+                              options_.maxEntries));
       return false;
     }
     Error made;
@@ -192,7 +210,8 @@ bool Extraction::run() {
   bool success = false;
   for (;;) {
     unz_file_info64 entryInfo{};
-    if (unzGetCurrentFileInfo64(zip, &entryInfo, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK) break;
+    if (unzGetCurrentFileInfo64(zip, &entryInfo, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK)
+      break;
     std::string rawName(entryInfo.size_filename + 1, '\0');
     if (unzGetCurrentFileInfo64(zip, &entryInfo, rawName.data(), static_cast<uLong>(rawName.size()),
                                 nullptr, 0, nullptr, 0) != UNZ_OK) {
@@ -205,13 +224,15 @@ bool Extraction::run() {
     Outcome outcome = Outcome::Skipped;
     if (!delegate_ ||
         delegate_->zipArchiveShouldUnzipFileAtIndex(index, info.numberOfEntries, path_, fileName)) {
-      if (delegate_) delegate_->zipArchiveWillUnzipFileAtIndex(index, info.numberOfEntries, path_, fileInfo);
+      if (delegate_)
+        delegate_->zipArchiveWillUnzipFileAtIndex(index, info.numberOfEntries, path_, fileInfo);
       outcome = entry(reader, entryInfo, rawName);
     }
     reader.close();
     const int next = unzGoToNextFile(zip);
     if (outcome == Outcome::Processed) {
-      if (delegate_) delegate_->zipArchiveDidUnzipFileAtIndex(index, info.numberOfEntries, path_, fileInfo);
+      if (delegate_)
+        delegate_->zipArchiveDidUnzipFileAtIndex(index, info.numberOfEntries, path_, fileInfo);
       ++index;
     }
     ++progress_.entriesDone;
@@ -247,7 +268,8 @@ Extraction::Outcome Extraction::entry(zip_reading::EntryReader& reader, const un
   const bool isLink = facadeLink || unixLink;
   const bool isFolder = !rawName.empty() && (rawName.back() == '/' || rawName.back() == '\\');
   String name = String::fromUTF8Lossy(rawName);
-  if (name.rangeOfString(u"/").location != NSNotFound || name.rangeOfString(u"\\").location != NSNotFound) {
+  if (name.rangeOfString(u"/").location != NSNotFound ||
+      name.rangeOfString(u"\\").location != NSNotFound) {
     name = name.stringByReplacingOccurrencesOfString(u"\\", u"/");
   }
   const std::string relative = name.utf8();
@@ -267,9 +289,10 @@ Extraction::Outcome Extraction::entry(zip_reading::EntryReader& reader, const un
   const String full = destination_.stringByAppendingPathComponent(name);
   const Date date = KUZipArchive::_dateWithMSDOSFormat(static_cast<std::uint32_t>(info.dosDate));
   makeFolder(isFolder ? full : full.stringByDeletingLastPathComponent(),
-             isFolder ? relative : relative.substr(0, relative.find_last_of('/') == std::string::npos
-                                                           ? 0
-                                                           : relative.find_last_of('/')),
+             isFolder ? relative
+                      : relative.substr(0, relative.find_last_of('/') == std::string::npos
+                                               ? 0
+                                               : relative.find_last_of('/')),
              date);
   if (!isLink) dates_.push_back(DateRecord{full, relative, date});
   const bool exists = hardened_ && options_.refuseWritingThroughLinks
@@ -313,12 +336,14 @@ void Extraction::writeLink(zip_reading::EntryReader& reader, const String& full,
     const long n = reader.read(piece, kLinkPiece);
     if (n <= 0) break;
     piece[n] = 0;
-    target = target.stringByAppendingString(String::fromUTF8Lossy(reinterpret_cast<const char*>(piece)));
+    target =
+        target.stringByAppendingString(String::fromUTF8Lossy(reinterpret_cast<const char*>(piece)));
   }
   if (hardened_) {
     const std::string text = target.utf8();
     if (options_.refuseEscapingLinks && !beneath::linkStaysInside(relative, text)) {
-      refuse(full.lastPathComponent(), stringWithFormat(u"its link to %@ leads out of the destination", target));
+      refuse(full.lastPathComponent(),
+             stringWithFormat(u"its link to %@ leads out of the destination", target));
       return;
     }
     if (options_.refuseWritingThroughLinks || options_.refuseEscapingLinks) {
@@ -334,8 +359,8 @@ void Extraction::writeLink(zip_reading::EntryReader& reader, const String& full,
   const URL to = URL::fileURLWithPath(target);
   Error error;
   if (!FileManager::defaultManager().createSymbolicLinkAtPath(at.path(), to.path(), &error)) {
-    consoleLog(u"Failed to create symbolic link at \"%@\" to \"%@\". Error: %@", at.absoluteString(),
-               to.absoluteString(), error.description());
+    consoleLog(u"Failed to create symbolic link at \"%@\" to \"%@\". Error: %@",
+               at.absoluteString(), to.absoluteString(), error.description());
   }
 }
 
@@ -351,7 +376,8 @@ bool Extraction::writeFile(zip_reading::EntryReader& reader, const unz_file_info
     if (file) descriptor = ::fileno(file);
   }
   if (descriptor < 0) {
-    if (beneathRoot && errno == ELOOP) refuse(full.lastPathComponent(), u"it would be written through a link");
+    if (beneathRoot && errno == ELOOP)
+      refuse(full.lastPathComponent(), u"it would be written through a link");
     return !(beneathRoot && errno == ELOOP);
   }
   auto put = [&](const std::uint8_t* bytes, std::size_t length) {
@@ -374,7 +400,8 @@ bool Extraction::writeFile(zip_reading::EntryReader& reader, const unz_file_info
     if (options_.maxTotalBytes != 0 && bytesWritten_ > options_.maxTotalBytes) {
       refusal = stringWithFormat(u"the archive holds more than %llu bytes", options_.maxTotalBytes);
     } else if (options_.maxCompressionRatio != 0 && written > kRatioFloor &&
-               written / std::max<std::uint64_t>(info.compressed_size, 1) > options_.maxCompressionRatio) {
+               written / std::max<std::uint64_t>(info.compressed_size, 1) >
+                   options_.maxCompressionRatio) {
       refusal = stringWithFormat(u"it expands more than %llu times", options_.maxCompressionRatio);
     }
     return refusal.isNil();
@@ -419,8 +446,9 @@ bool Extraction::writeFile(zip_reading::EntryReader& reader, const unz_file_info
 Extraction::Outcome Extraction::refuse(const String& name, const String& reason) {
   consoleLog(u"[KUZipArchive] Refused %@: %@", name, reason);
   if (!refusedAny_ && error_) {
-    *error_ = Error(KUZipArchiveErrorDomain, -3,
-                    Dictionary{{NSLocalizedDescriptionKey, stringWithFormat(u"Refused %@: %@", name, reason)}});
+    *error_ = Error(
+        KUZipArchiveErrorDomain, -3,
+        Dictionary{{NSLocalizedDescriptionKey, stringWithFormat(u"Refused %@: %@", name, reason)}});
   }
   refusedAny_ = true;
   return options_.stopAtRefusal ? Outcome::Stop : Outcome::Refused;

@@ -36,13 +36,14 @@ zipFile handleOf(const std::unique_ptr<KUZipArchiveHandle>& handle) {
 }
 
 // Deflates the bytes as zlib would at the level (-1: the default, 6), with libdeflate.
-bool deflateWhole(const std::vector<std::uint8_t>& bytes, int level, std::vector<std::uint8_t>* out) {
+bool deflateWhole(const std::vector<std::uint8_t>& bytes, int level,
+                  std::vector<std::uint8_t>* out) {
   const std::unique_ptr<libdeflate_compressor, decltype(&libdeflate_free_compressor)> compressor(
       libdeflate_alloc_compressor(level < 0 ? 6 : level), libdeflate_free_compressor);
   if (!compressor) return false;
   out->resize(libdeflate_deflate_compress_bound(compressor.get(), bytes.size()));
-  const std::size_t size =
-      libdeflate_deflate_compress(compressor.get(), bytes.data(), bytes.size(), out->data(), out->size());
+  const std::size_t size = libdeflate_deflate_compress(compressor.get(), bytes.data(), bytes.size(),
+                                                       out->data(), out->size());
   out->resize(size);
   return size > 0 || bytes.empty();
 }
@@ -104,7 +105,8 @@ bool KUZipArchive::writeFileEntry(const String& path, const String& name, int le
   zipFile zip = closed_ ? nullptr : handleOf(zip_);
   const std::string entry = name.utf8();
   struct stat info {};
-  const std::uint64_t size = ::fstat(::fileno(file), &info) == 0 ? static_cast<std::uint64_t>(info.st_size) : 0;
+  const std::uint64_t size =
+      ::fstat(::fileno(file), &info) == 0 ? static_cast<std::uint64_t>(info.st_size) : 0;
   int closed = ZIP_ERRNO;
   if (S_ISREG(info.st_mode) && size <= kWholeLimit) {
     std::vector<std::uint8_t> bytes;
@@ -173,7 +175,8 @@ bool KUZipArchive::createZipFileAtPath(const String& path, const Array& paths) {
 URL KUZipArchive::createTemporaryZipFileNamed(const String& name, const Array& paths) {
   FileManager& fm = FileManager::defaultManager();
   const String path =
-      fm.temporaryDirectory().stringByAppendingPathComponent(name).stringByAppendingPathExtension(u"zip");
+      fm.temporaryDirectory().stringByAppendingPathComponent(name).stringByAppendingPathExtension(
+          u"zip");
   if (fm.itemExistsAtPath(path) && !fm.removeItemAtPath(path)) return URL();
   return createZipFileAtPath(path, paths) ? URL::fileURLWithPath(path) : URL();
 }

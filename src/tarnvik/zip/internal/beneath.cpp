@@ -31,8 +31,8 @@ int openParent(int root, std::string_view path, bool create, std::string* last) 
     errno = EINVAL;
     return -1;
   }
-  return openFolder(root, slash == std::string_view::npos ? std::string_view() : path.substr(0, slash),
-                    create);
+  return openFolder(
+      root, slash == std::string_view::npos ? std::string_view() : path.substr(0, slash), create);
 }
 
 class Descriptor {
@@ -113,8 +113,8 @@ int openFile(int root, std::string_view relativePath, bool create) {
   std::string last;
   const Descriptor parent(openParent(root, relativePath, create, &last));
   if (parent.get() < 0) return -1;
-  return ::openat(parent.get(), last.c_str(),
-                  O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0666);
+  return ::openat(parent.get(), last.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC,
+                  0666);
 }
 
 bool exists(int root, std::string_view relativePath) {

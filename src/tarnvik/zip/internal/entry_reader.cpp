@@ -85,8 +85,9 @@ bool EntryReader::openWhole(const unz_file_info64& info) {
   std::vector<std::uint8_t> compressed(static_cast<std::size_t>(info.compressed_size));
   std::size_t got = 0;
   while (got < compressed.size()) {
-    const int n = unzReadCurrentFile(zip_, compressed.data() + got,
-                                     static_cast<unsigned>(std::min<std::size_t>(compressed.size() - got, 1u << 30)));
+    const int n = unzReadCurrentFile(
+        zip_, compressed.data() + got,
+        static_cast<unsigned>(std::min<std::size_t>(compressed.size() - got, 1u << 30)));
     if (n <= 0) break;
     got += static_cast<std::size_t>(n);
   }
@@ -97,8 +98,7 @@ bool EntryReader::openWhole(const unz_file_info64& info) {
   if (got != compressed.size() ||
       libdeflate_deflate_decompress(decompressor(), compressed.data(), compressed.size(),
                                     data_.data(), data_.size(), &produced) != LIBDEFLATE_SUCCESS ||
-      produced != data_.size() ||
-      libdeflate_crc32(0, data_.data(), data_.size()) != expectedCrc_) {
+      produced != data_.size() || libdeflate_crc32(0, data_.data(), data_.size()) != expectedCrc_) {
     data_.clear();
     return false;
   }
@@ -122,7 +122,8 @@ long EntryReader::read(std::uint8_t* bytes, std::size_t length) {
     case Mode::Minizip:
       break;
   }
-  const int n = unzReadCurrentFile(zip_, bytes, static_cast<unsigned>(std::min<std::size_t>(length, 1u << 30)));
+  const int n = unzReadCurrentFile(zip_, bytes,
+                                   static_cast<unsigned>(std::min<std::size_t>(length, 1u << 30)));
   if (n > 0) crc_ = static_cast<std::uint32_t>(crc32(crc_, bytes, static_cast<uInt>(n)));
   if (n == 0) crcMatched_ = crc_ == expectedCrc_;
   return n;
@@ -130,7 +131,8 @@ long EntryReader::read(std::uint8_t* bytes, std::size_t length) {
 
 long EntryReader::readDecrypted(std::uint8_t* bytes, std::size_t length) {
   if (!deflated_) {
-    const int n = unzReadCurrentFile(zip_, bytes, static_cast<unsigned>(std::min<std::size_t>(length, 1u << 30)));
+    const int n = unzReadCurrentFile(
+        zip_, bytes, static_cast<unsigned>(std::min<std::size_t>(length, 1u << 30)));
     if (n > 0) {
       decryptor_->decrypt(bytes, static_cast<std::size_t>(n));
       crc_ = static_cast<std::uint32_t>(crc32(crc_, bytes, static_cast<uInt>(n)));

@@ -33,7 +33,9 @@ class EntryReader {
   // Up to length bytes of the entry's data: 0 at its end, negative for damaged data.
   long read(std::uint8_t* bytes, std::size_t length);
   // The entry's whole data when it was inflated at once; empty otherwise.
-  std::span<const std::uint8_t> whole() const { return whole_ ? std::span(data_) : std::span<const std::uint8_t>(); }
+  std::span<const std::uint8_t> whole() const {
+    return whole_ ? std::span(data_) : std::span<const std::uint8_t>();
+  }
   // After the end was read: whether the data matched the entry's CRC.
   bool crcMatched() const { return crcMatched_; }
   // Where the entry's compressed data starts in the archive.
