@@ -138,7 +138,8 @@ class Extraction {
   Outcome entry(zip_reading::EntryReader& reader, const unz_file_info64& info,
                 const std::string& rawName);
   void makeFolder(const String& full, const std::string& relative, Date date);
-  void writeLink(zip_reading::EntryReader& reader, const String& full, const std::string& relative);
+  // Makes the link; false when the hardened path refused it.
+  bool writeLink(zip_reading::EntryReader& reader, const String& full, const std::string& relative);
   // Writes the entry's data; false when a cap refused it (the partial file removed).
   bool writeFile(zip_reading::EntryReader& reader, const unz_file_info64& info, const String& full,
                  const std::string& relative, Date date);
@@ -200,7 +201,7 @@ bool Extraction::run() {
   if (delegate_) delegate_->zipArchiveWillUnzipArchiveAtPath(path_, info);
   progress_.entriesTotal = info.numberOfEntries;
 
-  zip_reading::EntryReader reader(zip);
+  zip_reading::EntryReader reader(zip, archive);
   std::optional<std::string> password;
   if (!options_.password.isNil() && options_.password.length() > 0) {
     const Data ascii = options_.password.dataUsingEncoding(NSASCIIStringEncoding);
@@ -210,15 +211,19 @@ bool Extraction::run() {
   bool success = false;
   for (;;) {
     unz_file_info64 entryInfo{};
-    if (unzGetCurrentFileInfo64(zip, &entryInfo, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK)
+    if (unzGetCurrentFileInfo64(zip, &entryInfo, nullptr, 0, nullptr, 0, nullptr, 0) != UNZ_OK) {
       break;
+    }
     std::string rawName(entryInfo.size_filename + 1, '\0');
+    std::vector<std::uint8_t> extra(entryInfo.size_file_extra);
     if (unzGetCurrentFileInfo64(zip, &entryInfo, rawName.data(), static_cast<uLong>(rawName.size()),
-                                nullptr, 0, nullptr, 0) != UNZ_OK) {
+                                extra.data(), static_cast<uLong>(extra.size()), nullptr,
+                                0) != UNZ_OK) {
       break;
     }
     rawName.resize(std::strlen(rawName.c_str()));
-    if (!reader.open(entryInfo, password)) break;
+    const bool zip64 = zip_reading::applyZip64Sizes(entryInfo, extra);
+    if (!reader.open(entryInfo, password, zip64)) break;
     const KUZipFileInfo fileInfo = fileInfoOf(entryInfo);
     const String fileName = String::fromUTF8Lossy(rawName);
     Outcome outcome = Outcome::Skipped;
@@ -300,8 +305,11 @@ Extraction::Outcome Extraction::entry(zip_reading::EntryReader& reader, const un
                           : fm.fileExistsAtPath(full);
   if (exists && !isFolder && !options_.overwrite) return Outcome::Skipped;
   if (isLink) {
-    writeLink(reader, full, relative);
+    if (!writeLink(reader, full, relative)) {
+      return options_.stopAtRefusal ? Outcome::Stop : Outcome::Refused;
+    }
   } else if (!writeFile(reader, info, full, relative, date)) {
+    dates_.pop_back();  // refused: nothing is left to date
     return options_.stopAtRefusal ? Outcome::Stop : Outcome::Refused;
   }
   return Outcome::Processed;
@@ -327,7 +335,7 @@ void Extraction::makeFolder(const String& full, const std::string& relative, Dat
   consoleLog(u"[KUZipArchive] Error: %@", error.localizedDescription());
 }
 
-void Extraction::writeLink(zip_reading::EntryReader& reader, const String& full,
+bool Extraction::writeLink(zip_reading::EntryReader& reader, const String& full,
                            const std::string& relative) {
   // The target comes in 4096-byte pieces, each decoded on its own.
   String target(u"");
@@ -344,16 +352,14 @@ void Extraction::writeLink(zip_reading::EntryReader& reader, const String& full,
     if (options_.refuseEscapingLinks && !beneath::linkStaysInside(relative, text)) {
       refuse(full.lastPathComponent(),
              stringWithFormat(u"its link to %@ leads out of the destination", target));
-      return;
+      return false;
     }
-    if (options_.refuseWritingThroughLinks || options_.refuseEscapingLinks) {
-      if (beneath::makeLink(root_, relative, text) != 0) {
-        consoleLog(u"Failed to create symbolic link at \"%@\" to \"%@\". Error: %@",
-                   URL::fileURLWithPath(full).absoluteString(), target,
-                   FileManager::errorFor(FileOperation::Link, full, errno).description());
-      }
-      return;
+    if (beneath::makeLink(root_, relative, text) != 0) {
+      const Error failure = FileManager::errorFor(FileOperation::Link, full, errno);
+      consoleLog(u"Failed to create symbolic link at \"%@\" to \"%@\". Error: %@",
+                 URL::fileURLWithPath(full).absoluteString(), target, failure.description());
     }
+    return true;
   }
   const URL at = URL::fileURLWithPath(full);
   const URL to = URL::fileURLWithPath(target);
@@ -362,6 +368,7 @@ void Extraction::writeLink(zip_reading::EntryReader& reader, const String& full,
     consoleLog(u"Failed to create symbolic link at \"%@\" to \"%@\". Error: %@",
                at.absoluteString(), to.absoluteString(), error.description());
   }
+  return true;
 }
 
 bool Extraction::writeFile(zip_reading::EntryReader& reader, const unz_file_info64& info,
@@ -376,9 +383,9 @@ bool Extraction::writeFile(zip_reading::EntryReader& reader, const unz_file_info
     if (file) descriptor = ::fileno(file);
   }
   if (descriptor < 0) {
-    if (beneathRoot && errno == ELOOP)
-      refuse(full.lastPathComponent(), u"it would be written through a link");
-    return !(beneathRoot && errno == ELOOP);
+    const bool throughLink = beneathRoot && errno == ELOOP;
+    if (throughLink) refuse(full.lastPathComponent(), u"it would be written through a link");
+    return !throughLink;
   }
   auto put = [&](const std::uint8_t* bytes, std::size_t length) {
     if (file) return ::fwrite(bytes, 1, length, file) == length;

@@ -1,8 +1,12 @@
 #include "tarnvik/zip/internal/entry_reader.hpp"
 
+#include <fcntl.h>
 #include <libdeflate.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <memory>
 
 namespace tarnvik::zip_reading {
 
@@ -11,6 +15,7 @@ namespace {
 // Entries up to this size are inflated at once; larger ones stream.
 constexpr std::uint64_t kWholeLimit = 64ull << 20;
 constexpr std::size_t kInputChunk = 256 * 1024;
+constexpr std::uint64_t kAllOnes32 = 0xFFFFFFFFull;
 
 libdeflate_decompressor* decompressor() {
   thread_local std::unique_ptr<libdeflate_decompressor, decltype(&libdeflate_free_decompressor)>
@@ -18,28 +23,81 @@ libdeflate_decompressor* decompressor() {
   return instance.get();
 }
 
+std::uint64_t little(const std::uint8_t* at, int bytes) {
+  std::uint64_t value = 0;
+  for (int i = bytes - 1; i >= 0; --i) value = (value << 8) | at[i];
+  return value;
+}
+
+unsigned clampRead(std::size_t length) {
+  return static_cast<unsigned>(std::min<std::size_t>(length, 1u << 30));
+}
+
 }  // namespace
+
+bool applyZip64Sizes(unz_file_info64& info, const std::vector<std::uint8_t>& extra) {
+  std::size_t at = 0;
+  while (at + 4 <= extra.size()) {
+    const auto id = little(&extra[at], 2);
+    const auto size = static_cast<std::size_t>(little(&extra[at + 2], 2));
+    const std::size_t body = at + 4;
+    if (body + size > extra.size()) break;
+    if (id == 0x0001) {
+      std::size_t field = body;
+      bool changed = false;
+      for (ZPOS64_T* value : {&info.uncompressed_size, &info.compressed_size}) {
+        if (*value == kAllOnes32 && field + 8 <= body + size) {
+          *value = little(&extra[field], 8);
+          field += 8;
+          changed = true;
+        }
+      }
+      return changed;
+    }
+    at = body + size;
+  }
+  return false;
+}
 
 EntryReader::~EntryReader() { close(); }
 
-bool EntryReader::open(const unz_file_info64& info, const std::optional<std::string>& password) {
+bool EntryReader::open(const unz_file_info64& info, const std::optional<std::string>& password,
+                       bool zip64) {
   expectedCrc_ = static_cast<std::uint32_t>(info.crc);
   crc_ = 0;
   crcMatched_ = false;
   const bool encrypted = (info.flag & 1) != 0;
-  if (encrypted) {
-    // Debian's minizip opens an encrypted entry without a password and hands out its
-    // ciphertext: with no password the open fails here instead.
-    if (!password || (info.compression_method != 0 && info.compression_method != Z_DEFLATED)) {
+  const bool known = info.compression_method == 0 || info.compression_method == Z_DEFLATED;
+  if (!encrypted && !zip64) {
+    if (info.compression_method == Z_DEFLATED && info.uncompressed_size <= kWholeLimit &&
+        info.compressed_size <= kWholeLimit && openWhole(info)) {
+      return true;
+    }
+    if (unzOpenCurrentFile(zip_) != UNZ_OK) return false;
+    isOpen_ = true;
+    mode_ = Mode::Minizip;
+    dataOffset_ = unzGetCurrentFileZStreamPos64(zip_);
+    return true;
+  }
+  // Debian's minizip opens an encrypted entry without a password and hands out its
+  // ciphertext: with no password the open fails here instead.
+  if ((encrypted && !password) || !known) return false;
+  int method = 0, level = 0;
+  if (unzOpenCurrentFile2(zip_, &method, &level, 1) != UNZ_OK) return false;
+  isOpen_ = true;
+  mode_ = Mode::Streaming;
+  dataOffset_ = unzGetCurrentFileZStreamPos64(zip_);
+  rawTotal_ = rawLeft_ = info.compressed_size;
+  if (zip64) {
+    direct_ = ::open(archivePath_.c_str(), O_RDONLY | O_CLOEXEC);
+    if (direct_ < 0) {
+      close();
       return false;
     }
-    int method = 0, level = 0;
-    if (unzOpenCurrentFile2(zip_, &method, &level, 1) != UNZ_OK) return false;
-    isOpen_ = true;
-    mode_ = Mode::Decrypting;
-    dataOffset_ = unzGetCurrentFileZStreamPos64(zip_);
+  }
+  if (encrypted) {
     std::uint8_t header[12];
-    if (unzReadCurrentFile(zip_, header, sizeof header) != static_cast<int>(sizeof header)) {
+    if (readRaw(header, sizeof header) != static_cast<long>(sizeof header)) {
       close();
       return false;
     }
@@ -51,26 +109,17 @@ bool EntryReader::open(const unz_file_info64& info, const std::optional<std::str
       close();
       return false;
     }
-    deflated_ = info.compression_method == Z_DEFLATED;
-    inflateDone_ = false;
-    if (deflated_) {
-      inflater_ = z_stream{};
-      if (inflateInit2(&inflater_, -MAX_WBITS) != Z_OK) {
-        close();
-        return false;
-      }
-      inflaterReady_ = true;
+  }
+  deflated_ = info.compression_method == Z_DEFLATED;
+  streamEnded_ = false;
+  if (deflated_) {
+    inflater_ = z_stream{};
+    if (inflateInit2(&inflater_, -MAX_WBITS) != Z_OK) {
+      close();
+      return false;
     }
-    return true;
+    inflaterReady_ = true;
   }
-  if (info.compression_method == Z_DEFLATED && info.uncompressed_size <= kWholeLimit &&
-      info.compressed_size <= kWholeLimit && openWhole(info)) {
-    return true;
-  }
-  if (unzOpenCurrentFile(zip_) != UNZ_OK) return false;
-  isOpen_ = true;
-  mode_ = Mode::Minizip;
-  dataOffset_ = unzGetCurrentFileZStreamPos64(zip_);
   return true;
 }
 
@@ -85,9 +134,8 @@ bool EntryReader::openWhole(const unz_file_info64& info) {
   std::vector<std::uint8_t> compressed(static_cast<std::size_t>(info.compressed_size));
   std::size_t got = 0;
   while (got < compressed.size()) {
-    const int n = unzReadCurrentFile(
-        zip_, compressed.data() + got,
-        static_cast<unsigned>(std::min<std::size_t>(compressed.size() - got, 1u << 30)));
+    const int n =
+        unzReadCurrentFile(zip_, compressed.data() + got, clampRead(compressed.size() - got));
     if (n <= 0) break;
     got += static_cast<std::size_t>(n);
   }
@@ -103,7 +151,6 @@ bool EntryReader::openWhole(const unz_file_info64& info) {
     return false;
   }
   mode_ = Mode::Whole;
-  whole_ = true;
   served_ = 0;
   crcMatched_ = true;
   return true;
@@ -117,55 +164,70 @@ long EntryReader::read(std::uint8_t* bytes, std::size_t length) {
       served_ += n;
       return static_cast<long>(n);
     }
-    case Mode::Decrypting:
-      return readDecrypted(bytes, length);
+    case Mode::Streaming:
+      return readStreaming(bytes, length);
     case Mode::Minizip:
       break;
   }
-  const int n = unzReadCurrentFile(zip_, bytes,
-                                   static_cast<unsigned>(std::min<std::size_t>(length, 1u << 30)));
+  const int n = unzReadCurrentFile(zip_, bytes, clampRead(length));
   if (n > 0) crc_ = static_cast<std::uint32_t>(crc32(crc_, bytes, static_cast<uInt>(n)));
   if (n == 0) crcMatched_ = crc_ == expectedCrc_;
   return n;
 }
 
-long EntryReader::readDecrypted(std::uint8_t* bytes, std::size_t length) {
+// The entry's next raw (compressed, perhaps encrypted) bytes.
+long EntryReader::readRaw(std::uint8_t* bytes, std::size_t length) {
+  length = static_cast<std::size_t>(std::min<std::uint64_t>(length, rawLeft_));
+  if (length == 0) return 0;
+  long n = 0;
+  if (direct_ >= 0) {
+    do {
+      n = ::pread(direct_, bytes, std::min<std::size_t>(length, 1u << 30),
+                  static_cast<off_t>(dataOffset_ + rawTotal_ - rawLeft_));
+    } while (n < 0 && errno == EINTR);
+  } else {
+    n = unzReadCurrentFile(zip_, bytes, clampRead(length));
+  }
+  if (n > 0) rawLeft_ -= static_cast<std::uint64_t>(n);
+  return n;
+}
+
+long EntryReader::readStreaming(std::uint8_t* bytes, std::size_t length) {
   if (!deflated_) {
-    const int n = unzReadCurrentFile(
-        zip_, bytes, static_cast<unsigned>(std::min<std::size_t>(length, 1u << 30)));
+    const long n = readRaw(bytes, length);
     if (n > 0) {
-      decryptor_->decrypt(bytes, static_cast<std::size_t>(n));
+      if (decryptor_) decryptor_->decrypt(bytes, static_cast<std::size_t>(n));
       crc_ = static_cast<std::uint32_t>(crc32(crc_, bytes, static_cast<uInt>(n)));
     }
     if (n == 0) crcMatched_ = crc_ == expectedCrc_;
     return n;
   }
-  if (inflateDone_) {
+  if (streamEnded_) {
     crcMatched_ = crc_ == expectedCrc_;
     return 0;
   }
   inflater_.next_out = bytes;
-  inflater_.avail_out = static_cast<uInt>(std::min<std::size_t>(length, 1u << 30));
+  inflater_.avail_out = clampRead(length);
   while (inflater_.avail_out > 0) {
     if (inflater_.avail_in == 0) {
       input_.resize(kInputChunk);
-      const int n = unzReadCurrentFile(zip_, input_.data(), static_cast<unsigned>(input_.size()));
+      const long n = readRaw(input_.data(), input_.size());
       if (n < 0) return n;
       if (n == 0) break;  // the data ended before the stream did
-      decryptor_->decrypt(input_.data(), static_cast<std::size_t>(n));
+      if (decryptor_) decryptor_->decrypt(input_.data(), static_cast<std::size_t>(n));
       inflater_.next_in = input_.data();
       inflater_.avail_in = static_cast<uInt>(n);
     }
     const int status = inflate(&inflater_, Z_NO_FLUSH);
     if (status == Z_STREAM_END) {
-      inflateDone_ = true;
+      streamEnded_ = true;
       break;
     }
-    if (status != Z_OK && status != Z_BUF_ERROR) return Z_DATA_ERROR;
+    if (status != Z_OK) return Z_DATA_ERROR;
   }
   const auto produced = static_cast<std::size_t>(inflater_.next_out - bytes);
   crc_ = static_cast<std::uint32_t>(crc32(crc_, bytes, static_cast<uInt>(produced)));
-  if (produced == 0) crcMatched_ = inflateDone_ && crc_ == expectedCrc_;
+  if (produced == 0) crcMatched_ = streamEnded_ && crc_ == expectedCrc_;
   return static_cast<long>(produced);
 }
 
@@ -174,7 +236,9 @@ void EntryReader::close() {
   inflaterReady_ = false;
   if (isOpen_) unzCloseCurrentFile(zip_);
   isOpen_ = false;
-  whole_ = false;
+  if (direct_ >= 0) ::close(direct_);
+  direct_ = -1;
+  mode_ = Mode::Minizip;
   data_.clear();
   decryptor_.reset();
 }

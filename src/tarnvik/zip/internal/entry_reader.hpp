@@ -1,16 +1,21 @@
 // Reading the current entry of an open archive, by the fastest way that gives the bytes
-// minizip would: a whole moderate deflated entry is read raw and inflated at once with
-// libdeflate (CRC checked; damaged data falls back to minizip's own streaming, so that it
-// reads exactly as minizip reads it); an encrypted entry is read raw and decrypted here
-// (Debian's minizip cannot), then inflated with zlib; anything else streams through
-// minizip. Not installed.
+// minizip would:
+// - a whole moderate deflated entry is read raw and inflated at once with libdeflate (CRC
+//   checked; data that does not inflate cleanly falls back to minizip's own streaming, so
+//   that damaged entries read exactly as minizip reads them);
+// - an encrypted entry is read raw and decrypted here (Debian's minizip cannot), then
+//   inflated with zlib;
+// - an entry whose sizes need ZIP64 is read straight from the archive file: the minizip
+//   of Debian's 64-bit build misreads ZIP64 sizes (it compares a 32-bit field with an
+//   all-ones 64-bit long) and would stop such an entry at 4 GiB;
+// - anything else streams through minizip.
+// Not installed.
 #pragma once
 
 #include <minizip/unzip.h>
 #include <zlib.h>
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -20,21 +25,27 @@
 
 namespace tarnvik::zip_reading {
 
+// Replaces the 32-bit placeholders (all ones) of the entry's sizes with the 64-bit values
+// of its ZIP64 extra field; true when it did.
+bool applyZip64Sizes(unz_file_info64& info, const std::vector<std::uint8_t>& extraField);
+
 class EntryReader {
  public:
-  explicit EntryReader(unzFile zip) : zip_(zip) {}
+  EntryReader(unzFile zip, const std::string& archivePath) : zip_(zip), archivePath_(archivePath) {}
   ~EntryReader();
   EntryReader(const EntryReader&) = delete;
   EntryReader& operator=(const EntryReader&) = delete;
 
   // Opens the current entry; false where minizip's open fails, and for an encrypted entry
-  // without a password or with one that fails the check byte.
-  bool open(const unz_file_info64& info, const std::optional<std::string>& password);
+  // without a password or with one that fails the check byte. zip64 says that the sizes
+  // came from the ZIP64 extra field.
+  bool open(const unz_file_info64& info, const std::optional<std::string>& password, bool zip64);
   // Up to length bytes of the entry's data: 0 at its end, negative for damaged data.
   long read(std::uint8_t* bytes, std::size_t length);
   // The entry's whole data when it was inflated at once; empty otherwise.
   std::span<const std::uint8_t> whole() const {
-    return whole_ ? std::span(data_) : std::span<const std::uint8_t>();
+    return mode_ == Mode::Whole ? std::span<const std::uint8_t>(data_)
+                                : std::span<const std::uint8_t>();
   }
   // After the end was read: whether the data matched the entry's CRC.
   bool crcMatched() const { return crcMatched_; }
@@ -43,24 +54,28 @@ class EntryReader {
   void close();
 
  private:
-  enum class Mode { Minizip, Whole, Decrypting };
-  long readDecrypted(std::uint8_t* bytes, std::size_t length);
+  enum class Mode { Minizip, Whole, Streaming };
   bool openWhole(const unz_file_info64& info);
+  long readRaw(std::uint8_t* bytes, std::size_t length);
+  long readStreaming(std::uint8_t* bytes, std::size_t length);
 
   unzFile zip_;
+  const std::string& archivePath_;
   Mode mode_ = Mode::Minizip;
   bool isOpen_ = false;
-  bool whole_ = false;
   bool crcMatched_ = false;
   std::uint64_t dataOffset_ = 0;
   std::uint32_t expectedCrc_ = 0;
   std::uint32_t crc_ = 0;
   std::vector<std::uint8_t> data_;
   std::size_t served_ = 0;
-  // Decrypting:
+  // Streaming: raw bytes from minizip, or straight from the archive file (direct_ >= 0).
+  int direct_ = -1;
+  std::uint64_t rawTotal_ = 0;
+  std::uint64_t rawLeft_ = 0;
   std::optional<pkware::Decryptor> decryptor_;
   bool deflated_ = false;
-  bool inflateDone_ = false;
+  bool streamEnded_ = false;
   z_stream inflater_{};
   bool inflaterReady_ = false;
   std::vector<std::uint8_t> input_;
