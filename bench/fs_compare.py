@@ -14,14 +14,21 @@ tool = os.path.join(build, "bench", "fs_tool")
 
 
 def run(cmd):
-    """Wall seconds and peak resident set (MiB) of one run."""
-    start = time.perf_counter()
-    proc = subprocess.Popen(cmd, shell=isinstance(cmd, str))
-    _, status, usage = os.wait4(proc.pid, 0)
-    elapsed = time.perf_counter() - start
+    """Wall seconds and peak resident set (MiB) of one run. GNU time reports the command's
+    own peak; without it the figure includes this script's memory at the fork."""
+    timed = os.path.exists("/usr/bin/time")
+    with tempfile.NamedTemporaryFile("r") as report:
+        if timed:
+            cmd = ["/usr/bin/time", "-f", "%M", "-o", report.name] + (
+                ["sh", "-c", cmd] if isinstance(cmd, str) else list(cmd))
+        start = time.perf_counter()
+        proc = subprocess.Popen(cmd, shell=isinstance(cmd, str))
+        _, status, usage = os.wait4(proc.pid, 0)
+        elapsed = time.perf_counter() - start
+        peak = int(report.read().split()[-1]) / 1024 if timed else usage.ru_maxrss / 1024
     if status != 0:
         raise SystemExit(f"failed: {cmd}")
-    return elapsed, usage.ru_maxrss / 1024
+    return elapsed, peak
 
 
 def make_card(root):
@@ -70,39 +77,44 @@ def compare(label, ours, theirs, name, prepare=lambda: None):
           f"{best_theirs[1]:>12.1f}{best_ours[0] / best_theirs[0]:>7.2f}  vs {name}")
 
 
-with tempfile.TemporaryDirectory(dir=os.environ.get("FS_BENCH_DIR")) as d:
-    card = os.path.join(d, "card")
-    files, size = make_card(card)
-    flat = os.path.join(d, "flat")
-    os.makedirs(flat)
-    for i in range(100000):
-        open(os.path.join(flat, f"A001C001_{i:06d}.dng"), "w").close()
-    out = os.path.join(d, "out")
-    print(f"card tree: {files} files, {size / 1e6:.0f} MB; flat folder: 100000 names")
-    floor = run(["true"])[1]
-    print(f"(peak memory is measured from the fork, so {floor:.1f} MiB, this script's own, is the floor)")
-    print(f"{'job':<24}{'ours s':>9}{'ours MiB':>10}{'theirs s':>10}{'theirs MiB':>12}{'ratio':>7}  vs")
-    compare("contents copy", [tool, "copy", card, out], ["cp", "-a", card + "/.", out], "cp -a",
-            prepare=lambda: fresh(out))
-    fresh(out)
-    subprocess.run(["cp", "-a", card + "/.", out], check=True)
-    compare("merge, all present", [tool, "merge", card, out], ["rsync", "-a", card + "/", out + "/"],
-            "rsync -a")
-    compare("merge, all present", [tool, "merge", card, out], ["cp", "-a", "-n", card + "/.", out],
-            "cp -a -n")
-    victim = os.path.join(d, "victim")
+def main():
+    with tempfile.TemporaryDirectory(dir=os.environ.get("FS_BENCH_DIR")) as d:
+        card = os.path.join(d, "card")
+        files, size = make_card(card)
+        flat = os.path.join(d, "flat")
+        os.makedirs(flat)
+        for i in range(100000):
+            open(os.path.join(flat, f"A001C001_{i:06d}.dng"), "w").close()
+        out = os.path.join(d, "out")
+        print(f"card tree: {files} files, {size / 1e6:.0f} MB; flat folder: 100000 names")
+        floor = run(["true"])[1]
+        print(f"(peak memory is measured from the fork, so {floor:.1f} MiB, this script's own, is the floor)")
+        print(f"{'job':<24}{'ours s':>9}{'ours MiB':>10}{'theirs s':>10}{'theirs MiB':>12}{'ratio':>7}  vs")
+        compare("contents copy", [tool, "copy", card, out], ["cp", "-a", card + "/.", out], "cp -a",
+                prepare=lambda: fresh(out))
+        fresh(out)
+        subprocess.run(["cp", "-a", card + "/.", out], check=True)
+        compare("merge, all present", [tool, "merge", card, out], ["rsync", "-a", card + "/", out + "/"],
+                "rsync -a")
+        compare("merge, all present", [tool, "merge", card, out], ["cp", "-a", "-n", card + "/.", out],
+                "cp -a -n")
+        victim = os.path.join(d, "victim")
 
-    def copied():
-        shutil.rmtree(victim, ignore_errors=True)
-        subprocess.run(["cp", "-a", card, victim], check=True)
-    compare("removal", [tool, "remove", victim], ["rm", "-rf", victim], "rm -rf", prepare=copied)
-    compare("folder recreation", [tool, "recreate", card, out],
-            ["rsync", "-a", "-f", "+ */", "-f", "- *", card + "/", out + "/"],
-            "rsync -a dirs only", prepare=lambda: fresh(out))
-    records, ours, bare, standard = subprocess.run(
-        [tool, "scan", flat, str(max(rounds, 10))], check=True, capture_output=True,
-        text=True).stdout.split()
-    ours, bare, standard = float(ours), float(bare), float(standard)
-    print(f"scan of 100k names: CFIFile records {ours * 1e3:.1f} ms, readdir loop {bare * 1e3:.1f} ms "
-          f"(ratio {ours / bare:.2f}), std::filesystem {standard * 1e3:.1f} ms "
-          f"({standard / ours:.2f}x slower than ours)")
+        def copied():
+            shutil.rmtree(victim, ignore_errors=True)
+            subprocess.run(["cp", "-a", card, victim], check=True)
+        compare("removal", [tool, "remove", victim], ["rm", "-rf", victim], "rm -rf", prepare=copied)
+        compare("folder recreation", [tool, "recreate", card, out],
+                ["rsync", "-a", "-f", "+ */", "-f", "- *", card + "/", out + "/"],
+                "rsync -a dirs only", prepare=lambda: fresh(out))
+        records, ours, bare, standard = subprocess.run(
+            [tool, "scan", flat, str(max(rounds, 10))], check=True, capture_output=True,
+            text=True).stdout.split()
+        ours, bare, standard = float(ours), float(bare), float(standard)
+        print(f"scan of 100k names: CFIFile records {ours * 1e3:.1f} ms, readdir loop {bare * 1e3:.1f} ms "
+              f"(ratio {ours / bare:.2f}), std::filesystem {standard * 1e3:.1f} ms "
+              f"({standard / ours:.2f}x slower than ours)")
+
+
+if __name__ == "__main__":
+    main()

@@ -2,7 +2,8 @@
 # Runs every benchmark of a build folder (default: build): the format engine beside
 # snprintf, the per-call costs of the text, date and collection operations, and the
 # scripts that run the same job with the usual tool (sort -V, Python's urllib.parse, md5sum,
-# sha1sum, gzip, xxd, openssl, cp -a, rsync, rm -rf) and print the ratios. CODEC_MIB sets the codec file size
+# sha1sum, gzip, xxd, openssl, cp -a, rsync, rm -rf, bsdtar, zip, unzip) and print the
+# ratios. CODEC_MIB sets the codec file size
 # (default 256).
 set -euo pipefail
 build=${1:-build}
@@ -41,3 +42,5 @@ echo "== codecs against the command-line tools"
 python3 "$here/codec_compare.py" "$build" "${CODEC_MIB:-256}"
 echo "== folder copies, merges, removal, recreation and scans against cp, rsync, rm and readdir"
 python3 "$here/fs_compare.py" "$build"
+echo "== zip archives against bsdtar, Info-ZIP and Python's zipfile"
+python3 "$here/zip_compare.py" "$build"

@@ -3,7 +3,7 @@
 # missing. Runs apt-get update first, as a fresh machine needs. With --fuzz it also installs
 # clang and its libFuzzer runtime, for the harnesses in fuzz/.
 set -euo pipefail
-packages=(build-essential cmake pkg-config ccache openssl gzip xxd python3 rsync
+packages=(build-essential cmake pkg-config ccache openssl gzip xxd python3 rsync time
           libicu-dev libplist-dev libssl-dev zlib1g-dev liburiparser-dev libminizip-dev libdeflate-dev
           zip unzip libarchive-tools
           libgtest-dev libgmock-dev libbenchmark-dev)

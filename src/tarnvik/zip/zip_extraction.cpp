@@ -86,6 +86,8 @@ bool isEmptyArchive(const std::string& path) {
          head[10] == 0 && head[11] == 0;
 }
 
+Date dateOfDOS(const Calendar& calendar, std::uint32_t d);
+
 KUZipFileInfo fileInfoOf(const unz_file_info64& info) {
   KUZipFileInfo out;
   out.versionMadeBy = info.version;
@@ -122,9 +124,7 @@ class Extraction {
         hardened_(hardened),
         error_(error),
         delegate_(delegate) {}
-  ~Extraction() {
-    if (root_ >= 0) ::close(root_);
-  }
+
   bool run();
 
  private:
@@ -152,7 +152,9 @@ class Extraction {
   const bool hardened_;
   Error* error_;
   KUZipArchiveDelegate* delegate_;
-  int root_ = -1;
+  std::optional<beneath::Destination> tree_;  // the destination, when hardened
+  const Calendar calendar_;
+  std::vector<std::uint8_t> piece_;  // the write buffer, kept from entry to entry
   bool refusedAny_ = false;
   bool cancelled_ = false;
   std::uint64_t bytesWritten_ = 0;
@@ -196,7 +198,7 @@ bool Extraction::run() {
       if (error_) *error_ = made;
       return false;
     }
-    root_ = ::open(destination_.utf8().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    tree_.emplace(::open(destination_.utf8().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   }
   if (delegate_) delegate_->zipArchiveWillUnzipArchiveAtPath(path_, info);
   progress_.entriesTotal = info.numberOfEntries;
@@ -222,8 +224,8 @@ bool Extraction::run() {
       break;
     }
     rawName.resize(std::strlen(rawName.c_str()));
-    const bool zip64 = zip_reading::applyZip64Sizes(entryInfo, extra);
-    if (!reader.open(entryInfo, password, zip64)) break;
+    zip_reading::applyZip64Sizes(entryInfo, extra);
+    if (!reader.open(entryInfo, password)) break;
     const KUZipFileInfo fileInfo = fileInfoOf(entryInfo);
     const String fileName = String::fromUTF8Lossy(rawName);
     Outcome outcome = Outcome::Skipped;
@@ -292,7 +294,7 @@ Extraction::Outcome Extraction::entry(zip_reading::EntryReader& reader, const un
     }
   }
   const String full = destination_.stringByAppendingPathComponent(name);
-  const Date date = KUZipArchive::_dateWithMSDOSFormat(static_cast<std::uint32_t>(info.dosDate));
+  const Date date = dateOfDOS(calendar_, static_cast<std::uint32_t>(info.dosDate));
   makeFolder(isFolder ? full : full.stringByDeletingLastPathComponent(),
              isFolder ? relative
                       : relative.substr(0, relative.find_last_of('/') == std::string::npos
@@ -300,9 +302,8 @@ Extraction::Outcome Extraction::entry(zip_reading::EntryReader& reader, const un
                                                : relative.find_last_of('/')),
              date);
   if (!isLink) dates_.push_back(DateRecord{full, relative, date});
-  const bool exists = hardened_ && options_.refuseWritingThroughLinks
-                          ? beneath::exists(root_, relative)
-                          : fm.fileExistsAtPath(full);
+  const bool exists = hardened_ && options_.refuseWritingThroughLinks ? tree_->exists(relative)
+                                                                      : fm.fileExistsAtPath(full);
   if (exists && !isFolder && !options_.overwrite) return Outcome::Skipped;
   if (isLink) {
     if (!writeLink(reader, full, relative)) {
@@ -319,13 +320,12 @@ void Extraction::makeFolder(const String& full, const std::string& relative, Dat
   FileManager& fm = FileManager::defaultManager();
   Error error;
   if (hardened_ && options_.refuseWritingThroughLinks) {
-    const int folder = beneath::openFolder(root_, relative, true);
+    const int folder = tree_->folder(relative, true);
     if (folder < 0) {
       error = FileManager::errorFor(FileOperation::Create, full, errno);
     } else {
       const struct timespec times[2] = {timespecOf(date), timespecOf(date)};
       ::futimens(folder, times);
-      ::close(folder);
       return;
     }
   } else if (fm.createDirectoryAtPath(full, true, &error)) {
@@ -354,7 +354,7 @@ bool Extraction::writeLink(zip_reading::EntryReader& reader, const String& full,
              stringWithFormat(u"its link to %@ leads out of the destination", target));
       return false;
     }
-    if (beneath::makeLink(root_, relative, text) != 0) {
+    if (tree_->makeLink(relative, text) != 0) {
       const Error failure = FileManager::errorFor(FileOperation::Link, full, errno);
       consoleLog(u"Failed to create symbolic link at \"%@\" to \"%@\". Error: %@",
                  URL::fileURLWithPath(full).absoluteString(), target, failure.description());
@@ -377,7 +377,7 @@ bool Extraction::writeFile(zip_reading::EntryReader& reader, const unz_file_info
   int descriptor = -1;
   FILE* file = nullptr;
   if (beneathRoot) {
-    descriptor = beneath::openFile(root_, relative, true);
+    descriptor = tree_->openFile(relative);
   } else {
     file = ::fopen(full.utf8().c_str(), "wb");
     if (file) descriptor = ::fileno(file);
@@ -416,7 +416,8 @@ bool Extraction::writeFile(zip_reading::EntryReader& reader, const unz_file_info
   if (const auto whole = reader.whole(); !whole.empty()) {
     if (account(whole.size())) put(whole.data(), whole.size());
   } else {
-    std::vector<std::uint8_t> buffer(kDataPiece);
+    std::vector<std::uint8_t>& buffer = piece_;
+    buffer.resize(kDataPiece);
     for (;;) {
       const long n = reader.read(buffer.data(), buffer.size());
       if (n <= 0 || !account(static_cast<std::size_t>(n))) break;
@@ -439,7 +440,7 @@ bool Extraction::writeFile(zip_reading::EntryReader& reader, const unz_file_info
   }
   if (!refusal.isNil()) {
     if (beneathRoot) {
-      beneath::removeFile(root_, relative);
+      tree_->removeFile(relative);
     } else {
       ::unlink(full.utf8().c_str());
     }
@@ -467,7 +468,7 @@ void Extraction::datePass() {
   for (const DateRecord& record : dates_) {
     bool done = false;
     if (hardened_ && options_.refuseWritingThroughLinks) {
-      done = beneath::setTime(root_, record.relative, timespecOf(record.date)) == 0;
+      done = tree_->setTime(record.relative, timespecOf(record.date)) == 0;
       if (!done) slot = FileManager::errorFor(FileOperation::Write, record.path, errno);
     } else {
       done = fm.setModificationDate(record.path, record.date, &slot);
@@ -511,8 +512,11 @@ bool KUZipArchive::unzipFileAtPathWithOptions(const String& path, const String& 
   return Extraction(path, destination, options, true, error, delegate).run();
 }
 
-Date KUZipArchive::_dateWithMSDOSFormat(std::uint32_t d) {
-  const Calendar calendar;
+Date KUZipArchive::_dateWithMSDOSFormat(std::uint32_t d) { return dateOfDOS(Calendar(), d); }
+
+namespace {
+
+Date dateOfDOS(const Calendar& calendar, std::uint32_t d) {
   DateComponents c;
   c.year = (d >> 25) + 1980;
   c.month = (d >> 21) & 15;
@@ -522,5 +526,7 @@ Date KUZipArchive::_dateWithMSDOSFormat(std::uint32_t d) {
   c.second = (d * 2) & 62;
   return calendar.dateFromComponents(c);
 }
+
+}  // namespace
 
 }  // namespace tarnvik

@@ -21,12 +21,16 @@ namespace tarnvik {
 
 struct KUZipArchiveHandle {
   zipFile zip = nullptr;
+  // A file's bytes and their deflated form, kept from entry to entry.
+  std::vector<std::uint8_t> bytes;
+  std::vector<std::uint8_t> packed;
 };
 
 namespace {
 
-// Files up to this size are read whole and deflated at once; larger ones stream.
-constexpr std::uint64_t kWholeLimit = 64ull << 20;
+// Files up to this size are read whole and deflated at once (the file and its deflated
+// form held together); larger ones stream through minizip's zlib.
+constexpr std::uint64_t kWholeLimit = 32ull << 20;
 constexpr std::size_t kReadPiece = 16384;
 constexpr std::size_t kStreamPiece = 1 << 20;
 constexpr std::uint64_t kZip64Size = 0xFFFFFFFFull;
@@ -108,13 +112,18 @@ bool KUZipArchive::writeFileEntry(const String& path, const String& name, int le
   const std::uint64_t size =
       ::fstat(::fileno(file), &info) == 0 ? static_cast<std::uint64_t>(info.st_size) : 0;
   int closed = ZIP_ERRNO;
-  if (S_ISREG(info.st_mode) && size <= kWholeLimit) {
-    std::vector<std::uint8_t> bytes;
-    bytes.reserve(static_cast<std::size_t>(size));
-    readPieces(file, kStreamPiece, [&](const std::uint8_t* data, std::size_t n) {
-      bytes.insert(bytes.end(), data, data + n);
-    });
-    std::vector<std::uint8_t> packed;
+  if (S_ISREG(info.st_mode) && size <= kWholeLimit && zip) {
+    std::vector<std::uint8_t>& bytes = zip_->bytes;
+    std::vector<std::uint8_t>& packed = zip_->packed;
+    // Read to the end, which may lie past the size seen a moment ago.
+    bytes.resize(static_cast<std::size_t>(size) + 1);
+    std::size_t got = 0;
+    for (;;) {
+      got += ::fread(bytes.data() + got, 1, bytes.size() - got, file);
+      if (::feof(file) || ::ferror(file)) break;
+      bytes.resize(bytes.size() * 2);
+    }
+    bytes.resize(got);
     if (deflateWhole(bytes, level, &packed)) {
       zipOpenNewFileInZip2_64(zip, entry.c_str(), nullptr, nullptr, 0, nullptr, 0, nullptr,
                               Z_DEFLATED, level, 1, 0);

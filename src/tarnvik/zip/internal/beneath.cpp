@@ -23,31 +23,15 @@ std::vector<std::string_view> componentsOf(std::string_view path) {
   return parts;
 }
 
-// The folder holding the last component, opened below root, and that component.
-int openParent(int root, std::string_view path, bool create, std::string* last) {
-  const std::size_t slash = path.find_last_of('/');
-  *last = std::string(slash == std::string_view::npos ? path : path.substr(slash + 1));
-  if (last->empty() || *last == "." || *last == "..") {
-    errno = EINVAL;
-    return -1;
+// The components joined again, so that "a//b/./c/" and "a/b/c" share one cache entry.
+std::string normalized(std::string_view path) {
+  std::string joined;
+  for (const std::string_view part : componentsOf(path)) {
+    if (!joined.empty()) joined += '/';
+    joined.append(part);
   }
-  return openFolder(
-      root, slash == std::string_view::npos ? std::string_view() : path.substr(0, slash), create);
+  return joined;
 }
-
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : fd_(fd) {}
-  ~Descriptor() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int get() const { return fd_; }
-
- private:
-  int fd_;
-};
 
 }  // namespace
 
@@ -78,10 +62,17 @@ bool linkStaysInside(std::string_view linkPath, std::string_view target) {
   return true;
 }
 
-int openFolder(int root, std::string_view relativeFolder, bool create) {
-  int current = ::dup(root);
+Destination::~Destination() {
+  if (cachedFolder_ >= 0) ::close(cachedFolder_);
+  if (root_ >= 0) ::close(root_);
+}
+
+int Destination::folder(std::string_view relativeFolder, bool create) {
+  const std::string wanted = normalized(relativeFolder);
+  if (cachedFolder_ >= 0 && wanted == cachedPath_) return cachedFolder_;
+  int current = ::dup(root_);
   if (current < 0) return -1;
-  for (const std::string_view part : componentsOf(relativeFolder)) {
+  for (const std::string_view part : componentsOf(wanted)) {
     const std::string name(part);
     if (part == "..") {
       ::close(current);
@@ -90,13 +81,9 @@ int openFolder(int root, std::string_view relativeFolder, bool create) {
     }
     int next = ::openat(current, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (next < 0 && errno == ENOENT && create) {
-      if (::mkdirat(current, name.c_str(), 0777) != 0 && errno != EEXIST) {
-        const int failure = errno;
-        ::close(current);
-        errno = failure;
-        return -1;
+      if (::mkdirat(current, name.c_str(), 0777) == 0 || errno == EEXIST) {
+        next = ::openat(current, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
       }
-      next = ::openat(current, name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     }
     const int failure = errno;
     ::close(current);
@@ -106,47 +93,61 @@ int openFolder(int root, std::string_view relativeFolder, bool create) {
     }
     current = next;
   }
+  if (cachedFolder_ >= 0) ::close(cachedFolder_);
+  cachedFolder_ = current;
+  cachedPath_ = wanted;
   return current;
 }
 
-int openFile(int root, std::string_view relativePath, bool create) {
+int Destination::parentOf(std::string_view path, bool create, std::string* last) {
+  while (path.ends_with('/')) path.remove_suffix(1);
+  const std::size_t slash = path.find_last_of('/');
+  *last = std::string(slash == std::string_view::npos ? path : path.substr(slash + 1));
+  if (last->empty() || *last == "." || *last == "..") {
+    errno = EINVAL;
+    return -1;
+  }
+  return folder(slash == std::string_view::npos ? std::string_view() : path.substr(0, slash),
+                create);
+}
+
+int Destination::openFile(std::string_view relativePath) {
+  if (relativePath.ends_with('/')) {
+    errno = EISDIR;
+    return -1;
+  }
   std::string last;
-  const Descriptor parent(openParent(root, relativePath, create, &last));
-  if (parent.get() < 0) return -1;
-  return ::openat(parent.get(), last.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC,
+  const int parent = parentOf(relativePath, true, &last);
+  if (parent < 0) return -1;
+  return ::openat(parent, last.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC,
                   0666);
 }
 
-bool exists(int root, std::string_view relativePath) {
+bool Destination::exists(std::string_view relativePath) {
   std::string last;
-  const Descriptor parent(openParent(root, relativePath, false, &last));
+  const int parent = parentOf(relativePath, false, &last);
   struct stat info {};
-  return parent.get() >= 0 &&
-         ::fstatat(parent.get(), last.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0;
+  return parent >= 0 && ::fstatat(parent, last.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
-int removeFile(int root, std::string_view relativePath) {
+int Destination::removeFile(std::string_view relativePath) {
   std::string last;
-  const Descriptor parent(openParent(root, relativePath, false, &last));
-  if (parent.get() < 0) return -1;
-  return ::unlinkat(parent.get(), last.c_str(), 0);
+  const int parent = parentOf(relativePath, false, &last);
+  return parent < 0 ? -1 : ::unlinkat(parent, last.c_str(), 0);
 }
 
-int makeLink(int root, std::string_view relativePath, const std::string& target) {
+int Destination::makeLink(std::string_view relativePath, const std::string& target) {
   std::string last;
-  const Descriptor parent(openParent(root, relativePath, true, &last));
-  if (parent.get() < 0) return -1;
-  return ::symlinkat(target.c_str(), parent.get(), last.c_str());
+  const int parent = parentOf(relativePath, true, &last);
+  return parent < 0 ? -1 : ::symlinkat(target.c_str(), parent, last.c_str());
 }
 
-int setTime(int root, std::string_view relativePath, const struct timespec& time) {
-  std::string last;
-  const std::string_view trimmed =
-      relativePath.ends_with('/') ? relativePath.substr(0, relativePath.size() - 1) : relativePath;
-  const Descriptor parent(openParent(root, trimmed, false, &last));
-  if (parent.get() < 0) return -1;
+int Destination::setTime(std::string_view relativePath, const struct timespec& time) {
   const struct timespec times[2] = {time, time};
-  return ::utimensat(parent.get(), last.c_str(), times, AT_SYMLINK_NOFOLLOW);
+  if (normalized(relativePath).empty()) return ::futimens(root_, times);
+  std::string last;
+  const int parent = parentOf(relativePath, false, &last);
+  return parent < 0 ? -1 : ::utimensat(parent, last.c_str(), times, AT_SYMLINK_NOFOLLOW);
 }
 
 }  // namespace tarnvik::beneath

@@ -12,8 +12,9 @@ namespace tarnvik::zip_reading {
 
 namespace {
 
-// Entries up to this size are inflated at once; larger ones stream.
-constexpr std::uint64_t kWholeLimit = 64ull << 20;
+// Entries up to this size are inflated at once (the compressed and the inflated bytes held
+// whole); larger ones stream, so that memory stays small whatever the archive holds.
+constexpr std::uint64_t kWholeLimit = 8ull << 20;
 constexpr std::size_t kInputChunk = 256 * 1024;
 constexpr std::uint64_t kAllOnes32 = 0xFFFFFFFFull;
 
@@ -59,42 +60,48 @@ bool applyZip64Sizes(unz_file_info64& info, const std::vector<std::uint8_t>& ext
   return false;
 }
 
-EntryReader::~EntryReader() { close(); }
+EntryReader::EntryReader(unzFile zip, const std::string& archivePath)
+    : zip_(zip), archive_(::open(archivePath.c_str(), O_RDONLY | O_CLOEXEC)) {}
 
-bool EntryReader::open(const unz_file_info64& info, const std::optional<std::string>& password,
-                       bool zip64) {
+EntryReader::~EntryReader() {
+  close();
+  if (archive_ >= 0) ::close(archive_);
+}
+
+bool EntryReader::open(const unz_file_info64& info, const std::optional<std::string>& password) {
   expectedCrc_ = static_cast<std::uint32_t>(info.crc);
   crc_ = 0;
   crcMatched_ = false;
   const bool encrypted = (info.flag & 1) != 0;
   const bool known = info.compression_method == 0 || info.compression_method == Z_DEFLATED;
-  if (!encrypted && !zip64) {
-    if (info.compression_method == Z_DEFLATED && info.uncompressed_size <= kWholeLimit &&
-        info.compressed_size <= kWholeLimit && openWhole(info)) {
-      return true;
-    }
+  // Debian's minizip opens an encrypted entry without a password and hands out its
+  // ciphertext: with no password the open fails here instead.
+  if (encrypted && (!password || !known)) return false;
+  if (!known || archive_ < 0) {
     if (unzOpenCurrentFile(zip_) != UNZ_OK) return false;
     isOpen_ = true;
     mode_ = Mode::Minizip;
     dataOffset_ = unzGetCurrentFileZStreamPos64(zip_);
     return true;
   }
-  // Debian's minizip opens an encrypted entry without a password and hands out its
-  // ciphertext: with no password the open fails here instead.
-  if ((encrypted && !password) || !known) return false;
   int method = 0, level = 0;
   if (unzOpenCurrentFile2(zip_, &method, &level, 1) != UNZ_OK) return false;
   isOpen_ = true;
-  mode_ = Mode::Streaming;
   dataOffset_ = unzGetCurrentFileZStreamPos64(zip_);
   rawTotal_ = rawLeft_ = info.compressed_size;
-  if (zip64) {
-    direct_ = ::open(archivePath_.c_str(), O_RDONLY | O_CLOEXEC);
-    if (direct_ < 0) {
-      close();
+  if (!encrypted && info.compression_method == Z_DEFLATED &&
+      info.uncompressed_size <= kWholeLimit && info.compressed_size <= kWholeLimit) {
+    if (openWhole(info)) return true;
+    // Damaged: minizip reads it as it always does.
+    unzCloseCurrentFile(zip_);
+    if (unzOpenCurrentFile(zip_) != UNZ_OK) {
+      isOpen_ = false;
       return false;
     }
+    mode_ = Mode::Minizip;
+    return true;
   }
+  mode_ = Mode::Streaming;
   if (encrypted) {
     std::uint8_t header[12];
     if (readRaw(header, sizeof header) != static_cast<long>(sizeof header)) {
@@ -123,24 +130,18 @@ bool EntryReader::open(const unz_file_info64& info, const std::optional<std::str
   return true;
 }
 
-// Reads the raw deflate data and inflates it at once. false (with the entry closed) when
-// the entry cannot be read raw or its data does not inflate to exactly its size with its
-// CRC: minizip then reads it the way it always does.
+// Reads the compressed data and inflates it at once; false when it does not inflate to
+// exactly its size with its CRC.
 bool EntryReader::openWhole(const unz_file_info64& info) {
-  int method = 0, level = 0;
-  if (unzOpenCurrentFile2(zip_, &method, &level, 1) != UNZ_OK) return false;
-  isOpen_ = true;
-  dataOffset_ = unzGetCurrentFileZStreamPos64(zip_);
-  std::vector<std::uint8_t> compressed(static_cast<std::size_t>(info.compressed_size));
+  // Both buffers keep their room from entry to entry.
+  std::vector<std::uint8_t>& compressed = input_;
+  compressed.resize(static_cast<std::size_t>(info.compressed_size));
   std::size_t got = 0;
   while (got < compressed.size()) {
-    const int n =
-        unzReadCurrentFile(zip_, compressed.data() + got, clampRead(compressed.size() - got));
+    const long n = readRaw(compressed.data() + got, compressed.size() - got);
     if (n <= 0) break;
     got += static_cast<std::size_t>(n);
   }
-  unzCloseCurrentFile(zip_);
-  isOpen_ = false;
   data_.resize(static_cast<std::size_t>(info.uncompressed_size));
   std::size_t produced = 0;
   if (got != compressed.size() ||
@@ -170,7 +171,7 @@ long EntryReader::read(std::uint8_t* bytes, std::size_t length) {
       break;
   }
   const int n = unzReadCurrentFile(zip_, bytes, clampRead(length));
-  if (n > 0) crc_ = static_cast<std::uint32_t>(crc32(crc_, bytes, static_cast<uInt>(n)));
+  if (n > 0) crc_ = libdeflate_crc32(crc_, bytes, static_cast<std::size_t>(n));
   if (n == 0) crcMatched_ = crc_ == expectedCrc_;
   return n;
 }
@@ -180,14 +181,10 @@ long EntryReader::readRaw(std::uint8_t* bytes, std::size_t length) {
   length = static_cast<std::size_t>(std::min<std::uint64_t>(length, rawLeft_));
   if (length == 0) return 0;
   long n = 0;
-  if (direct_ >= 0) {
-    do {
-      n = ::pread(direct_, bytes, std::min<std::size_t>(length, 1u << 30),
-                  static_cast<off_t>(dataOffset_ + rawTotal_ - rawLeft_));
-    } while (n < 0 && errno == EINTR);
-  } else {
-    n = unzReadCurrentFile(zip_, bytes, clampRead(length));
-  }
+  do {
+    n = ::pread(archive_, bytes, std::min<std::size_t>(length, 1u << 30),
+                static_cast<off_t>(dataOffset_ + rawTotal_ - rawLeft_));
+  } while (n < 0 && errno == EINTR);
   if (n > 0) rawLeft_ -= static_cast<std::uint64_t>(n);
   return n;
 }
@@ -197,7 +194,7 @@ long EntryReader::readStreaming(std::uint8_t* bytes, std::size_t length) {
     const long n = readRaw(bytes, length);
     if (n > 0) {
       if (decryptor_) decryptor_->decrypt(bytes, static_cast<std::size_t>(n));
-      crc_ = static_cast<std::uint32_t>(crc32(crc_, bytes, static_cast<uInt>(n)));
+      crc_ = libdeflate_crc32(crc_, bytes, static_cast<std::size_t>(n));
     }
     if (n == 0) crcMatched_ = crc_ == expectedCrc_;
     return n;
@@ -226,7 +223,7 @@ long EntryReader::readStreaming(std::uint8_t* bytes, std::size_t length) {
     if (status != Z_OK) return Z_DATA_ERROR;
   }
   const auto produced = static_cast<std::size_t>(inflater_.next_out - bytes);
-  crc_ = static_cast<std::uint32_t>(crc32(crc_, bytes, static_cast<uInt>(produced)));
+  crc_ = libdeflate_crc32(crc_, bytes, produced);
   if (produced == 0) crcMatched_ = streamEnded_ && crc_ == expectedCrc_;
   return static_cast<long>(produced);
 }
@@ -236,10 +233,8 @@ void EntryReader::close() {
   inflaterReady_ = false;
   if (isOpen_) unzCloseCurrentFile(zip_);
   isOpen_ = false;
-  if (direct_ >= 0) ::close(direct_);
-  direct_ = -1;
   mode_ = Mode::Minizip;
-  data_.clear();
+  data_.clear();  // keeps its room for the next entry
   decryptor_.reset();
 }
 

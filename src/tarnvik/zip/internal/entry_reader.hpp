@@ -1,14 +1,15 @@
 // Reading the current entry of an open archive, by the fastest way that gives the bytes
-// minizip would:
-// - a whole moderate deflated entry is read raw and inflated at once with libdeflate (CRC
-//   checked; data that does not inflate cleanly falls back to minizip's own streaming, so
-//   that damaged entries read exactly as minizip reads them);
-// - an encrypted entry is read raw and decrypted here (Debian's minizip cannot), then
-//   inflated with zlib;
-// - an entry whose sizes need ZIP64 is read straight from the archive file: the minizip
-//   of Debian's 64-bit build misreads ZIP64 sizes (it compares a 32-bit field with an
-//   all-ones 64-bit long) and would stop such an entry at 4 GiB;
-// - anything else streams through minizip.
+// minizip would. minizip opens the entry raw (checking its local header and finding its
+// data); the data are then read straight from the archive file with pread, in large
+// pieces (minizip copies stored data byte by byte through a 16 KiB buffer):
+// - a moderate deflated entry is inflated at once with libdeflate, its CRC checked; data
+//   that does not inflate cleanly is read again through minizip's own streaming, so that
+//   damaged entries read exactly as minizip reads them;
+// - a stored entry, and a large deflated one (through zlib), stream;
+// - an encrypted entry is decrypted here (Debian's minizip cannot);
+// - ZIP64 sizes come from the extra field: the minizip of Debian's 64-bit build misreads
+//   them (it compares a 32-bit field with an all-ones 64-bit long) and would stop such an
+//   entry at 4 GiB.
 // Not installed.
 #pragma once
 
@@ -31,15 +32,15 @@ bool applyZip64Sizes(unz_file_info64& info, const std::vector<std::uint8_t>& ext
 
 class EntryReader {
  public:
-  EntryReader(unzFile zip, const std::string& archivePath) : zip_(zip), archivePath_(archivePath) {}
+  EntryReader(unzFile zip, const std::string& archivePath);
   ~EntryReader();
   EntryReader(const EntryReader&) = delete;
   EntryReader& operator=(const EntryReader&) = delete;
 
   // Opens the current entry; false where minizip's open fails, and for an encrypted entry
-  // without a password or with one that fails the check byte. zip64 says that the sizes
-  // came from the ZIP64 extra field.
-  bool open(const unz_file_info64& info, const std::optional<std::string>& password, bool zip64);
+  // without a password or with one that fails the check byte. The sizes are the true
+  // ones (applyZip64Sizes).
+  bool open(const unz_file_info64& info, const std::optional<std::string>& password);
   // Up to length bytes of the entry's data: 0 at its end, negative for damaged data.
   long read(std::uint8_t* bytes, std::size_t length);
   // The entry's whole data when it was inflated at once; empty otherwise.
@@ -60,7 +61,7 @@ class EntryReader {
   long readStreaming(std::uint8_t* bytes, std::size_t length);
 
   unzFile zip_;
-  const std::string& archivePath_;
+  int archive_ = -1;  // the archive file, for pread
   Mode mode_ = Mode::Minizip;
   bool isOpen_ = false;
   bool crcMatched_ = false;
@@ -69,8 +70,6 @@ class EntryReader {
   std::uint32_t crc_ = 0;
   std::vector<std::uint8_t> data_;
   std::size_t served_ = 0;
-  // Streaming: raw bytes from minizip, or straight from the archive file (direct_ >= 0).
-  int direct_ = -1;
   std::uint64_t rawTotal_ = 0;
   std::uint64_t rawLeft_ = 0;
   std::optional<pkware::Decryptor> decryptor_;
