@@ -66,10 +66,13 @@ def fresh(path):
 
 def compare(label, ours, theirs, name, prepare=lambda: None):
     best_ours = best_theirs = None
+    # Each run starts with the disk written back, so that no run pays for another's writes.
     for _ in range(rounds):
         prepare()
+        os.sync()
         a = run(ours)
         prepare()
+        os.sync()
         b = run(theirs)
         best_ours = a if best_ours is None or a[0] < best_ours[0] else best_ours
         best_theirs = b if best_theirs is None or b[0] < best_theirs[0] else best_theirs
@@ -87,8 +90,6 @@ def main():
             open(os.path.join(flat, f"A001C001_{i:06d}.dng"), "w").close()
         out = os.path.join(d, "out")
         print(f"card tree: {files} files, {size / 1e6:.0f} MB; flat folder: 100000 names")
-        floor = run(["true"])[1]
-        print(f"(peak memory is measured from the fork, so {floor:.1f} MiB, this script's own, is the floor)")
         print(f"{'job':<24}{'ours s':>9}{'ours MiB':>10}{'theirs s':>10}{'theirs MiB':>12}{'ratio':>7}  vs")
         compare("contents copy", [tool, "copy", card, out], ["cp", "-a", card + "/.", out], "cp -a",
                 prepare=lambda: fresh(out))
