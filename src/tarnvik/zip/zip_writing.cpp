@@ -31,7 +31,6 @@ namespace {
 // Files up to this size are read whole and deflated at once (the file and its deflated
 // form held together); larger ones stream through minizip's zlib.
 constexpr std::uint64_t kWholeLimit = 32ull << 20;
-constexpr std::size_t kReadPiece = 16384;
 constexpr std::size_t kStreamPiece = 1 << 20;
 constexpr std::uint64_t kZip64Size = 0xFFFFFFFFull;
 
