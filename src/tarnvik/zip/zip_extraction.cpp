@@ -389,14 +389,10 @@ bool Extraction::writeFile(zip_reading::EntryReader& reader, const unz_file_info
   }
   auto put = [&](const std::uint8_t* bytes, std::size_t length) {
     if (file) return ::fwrite(bytes, 1, length, file) == length;
-    while (length > 0) {
-      const ssize_t n = ::write(descriptor, bytes, length);
-      if (n < 0 && errno == EINTR) continue;
-      if (n < 0) return false;
-      bytes += n;
-      length -= static_cast<std::size_t>(n);
-    }
-    return true;
+    FileHandle handle(descriptor, full);  // lent for the write, not closed by it
+    const bool written = FileManager::defaultManager().writeBytes(handle, bytes, length);
+    handle.release();
+    return written;
   };
   String refusal;
   std::uint64_t written = 0;
