@@ -423,7 +423,8 @@ bool Extraction::writeFile(zip_reading::EntryReader& reader, const unz_file_info
   if (hardened_ && refusal.isNil() && !reader.crcMatched()) {
     refusal = u"its data are damaged or do not match their checksum";
   }
-  const struct timespec times[2] = {timespecOf(date), timespecOf(date)};
+  // The modification date only; the access date stays as the writing left it.
+  const struct timespec times[2] = {{0, UTIME_OMIT}, timespecOf(date)};
   bool dated = true;
   if (refusal.isNil() && info.dosDate != 0) {
     if (file) ::fflush(file);

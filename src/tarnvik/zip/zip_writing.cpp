@@ -9,6 +9,7 @@
 #include <stdio.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -151,7 +152,12 @@ bool KUZipArchive::writeData(const Data& data, const String& filename) {
   info.tmz_date = tm_zip{date.seconds, date.minutes, date.hours, date.day, date.month, date.year};
   zipOpenNewFileInZip64(zip, filename.utf8().c_str(), &info, nullptr, 0, nullptr, 0, nullptr,
                         Z_DEFLATED, -1, data.length() >= kZip64Size ? 1 : 0);
-  zipWriteInFileInZip(zip, data.bytes(), static_cast<unsigned>(data.length()));
+  // One call, unless the bytes exceed what one call can take.
+  for (UInteger done = 0; done < data.length();) {
+    const auto piece = static_cast<unsigned>(std::min<UInteger>(data.length() - done, 1u << 30));
+    zipWriteInFileInZip(zip, data.bytes() + done, piece);
+    done += piece;
+  }
   return zipCloseFileInZip(zip) == ZIP_OK;
 }
 
