@@ -26,7 +26,6 @@
 
 namespace tarnvik {
 
-
 // What a transfer does with a file (or link) whose target path is taken.
 enum class TransferConflict : std::uint8_t {
   Fail,       // the copy or move fails on it and the transfer stops (overwrite NO)
