@@ -156,7 +156,6 @@ class Extraction {
   const Calendar calendar_;
   std::vector<std::uint8_t> piece_;  // the write buffer, kept from entry to entry
   bool refusedAny_ = false;
-  bool cancelled_ = false;
   std::uint64_t bytesWritten_ = 0;
   std::map<std::uint64_t, std::uint64_t> dataRanges_;  // start -> end of each entry's data
   std::vector<DateRecord> dates_;
@@ -199,6 +198,11 @@ bool Extraction::run() {
       return false;
     }
     tree_.emplace(::open(destination_.utf8().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!tree_->isOpen()) {
+      unzClose(zip);
+      if (error_) *error_ = FileManager::errorFor(FileOperation::Read, destination_, errno);
+      return false;
+    }
   }
   if (delegate_) delegate_->zipArchiveWillUnzipArchiveAtPath(path_, info);
   progress_.entriesTotal = info.numberOfEntries;
@@ -246,7 +250,6 @@ bool Extraction::run() {
     progress_.bytesWritten = bytesWritten_;
     progress_.currentName = fileName;
     if (options_.progress && !options_.progress(progress_)) {
-      cancelled_ = true;
       if (error_) {
         *error_ = errorWithDomain(NSCocoaErrorDomain, NSUserCancelledError,
                                   stringWithFormat(u"Extraction of %@ was cancelled", path_));
@@ -295,11 +298,9 @@ Extraction::Outcome Extraction::entry(zip_reading::EntryReader& reader, const un
   }
   const String full = destination_.stringByAppendingPathComponent(name);
   const Date date = dateOfDOS(calendar_, static_cast<std::uint32_t>(info.dosDate));
+  const std::size_t slash = relative.find_last_of('/');
   makeFolder(isFolder ? full : full.stringByDeletingLastPathComponent(),
-             isFolder ? relative
-                      : relative.substr(0, relative.find_last_of('/') == std::string::npos
-                                               ? 0
-                                               : relative.find_last_of('/')),
+             isFolder ? relative : relative.substr(0, slash == std::string::npos ? 0 : slash),
              date);
   if (!isLink) dates_.push_back(DateRecord{full, relative, date});
   const bool exists = hardened_ && options_.refuseWritingThroughLinks ? tree_->exists(relative)
