@@ -1,0 +1,189 @@
+// The tarnvik tool run as a user runs it, on real temporary folders: exit codes, error
+// lines, JSON documents, manifests md5sum accepts, a refused archive, Ctrl-C in the middle
+// of a transfer, and the progress line on a terminal but not on a pipe.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <thread>
+
+#include "support/file_helpers.hpp"
+#include "support/shell.hpp"
+#include "support/temp_dir.hpp"
+
+namespace tarnvik {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct ToolRun {
+  int code = -1;
+  std::string out, err;
+};
+
+// Runs the tool with the arguments (a shell word list) in the folder.
+ToolRun tarnvik(const fs::path& folder, const std::string& arguments) {
+  const std::string command = std::string(TARNVIK_TOOL) + " " + arguments + " >.out 2>.err";
+  const int status = testing::sh(folder, command);
+  return ToolRun{WIFEXITED(status) ? WEXITSTATUS(status) : -1, testing::slurp(folder / ".out"),
+                 testing::slurp(folder / ".err")};
+}
+
+void makeCard(const testing::TempDir& dir, int clips = 3) {
+  for (int c = 0; c < clips; ++c) {
+    for (int f = 0; f < 4; ++f) {
+      dir.write("card/DCIM/A00" + std::to_string(c) + "/frame" + std::to_string(f) + ".dng",
+                std::string(1000 + f * 7 + c, static_cast<char>('a' + f)));
+    }
+  }
+  dir.write("card/CLIPS/A001C001.mov", std::string(50000, 'm'));
+  dir.write("card/.DS_Store", "junk");
+  fs::create_directories(dir.path() / "dest");
+}
+
+TEST(TarnvikTool, UsageVersionAndNames) {
+  testing::TempDir dir;
+  EXPECT_EQ(tarnvik(dir.path(), "bogus").code, 2);
+  EXPECT_EQ(tarnvik(dir.path(), "").code, 2);
+  const ToolRun version = tarnvik(dir.path(), "--version");
+  EXPECT_EQ(version.code, 0);
+  EXPECT_TRUE(version.out.starts_with("tarnvik ")) << version.out;
+  EXPECT_EQ(tarnvik(dir.path(), "name next A001C009").out, "A001C010\n");
+  const ToolRun json = tarnvik(dir.path(), "--json name previous A001C010");
+  EXPECT_EQ(nlohmann::json::parse(json.out)["result"], "A001C009");
+  EXPECT_EQ(tarnvik(dir.path(), "offload --help").code, 0);
+}
+
+TEST(TarnvikTool, OffloadVerifiesAndWritesAManifestMd5sumAccepts) {
+  testing::TempDir dir;
+  makeCard(dir);
+  const ToolRun run = tarnvik(dir.path(), "--json offload card dest");
+  ASSERT_EQ(run.code, 0) << run.err;
+  const auto document = nlohmann::json::parse(run.out);
+  EXPECT_EQ(document["verified"], 13);
+  EXPECT_EQ(document["ok"], true);
+  EXPECT_FALSE(fs::exists(dir.path() / "dest/.DS_Store"));
+  EXPECT_EQ(testing::sh(dir.path() / "dest", "md5sum -c --quiet offload.md5"), 0);
+  // The tool's own check reads the same manifest.
+  const ToolRun check = tarnvik(dir.path() / "dest", "hash --check offload.md5");
+  EXPECT_EQ(check.code, 0);
+  // A second offload into the same place conflicts, names the file and says why.
+  const ToolRun again = tarnvik(dir.path(), "offload card dest");
+  EXPECT_EQ(again.code, 1);
+  EXPECT_NE(again.err.find("tarnvik: offload: copying card: Could not move item from path"),
+            std::string::npos)
+      << again.err;
+  EXPECT_NE(again.err.find("(KFErrorDomainTarnvikExtensions 1)"), std::string::npos) << again.err;
+  EXPECT_EQ(tarnvik(dir.path(), "offload card dest --skip-existing").code, 0);
+  // A damaged copy is found by verification.
+  std::ofstream(dir.path() / "dest/CLIPS/A001C001.mov") << "damaged";
+  const ToolRun damaged = tarnvik(dir.path(), "offload card dest --skip-existing");
+  EXPECT_EQ(damaged.code, 1);
+  EXPECT_NE(damaged.err.find("CLIPS/A001C001.mov: differs from its copy"), std::string::npos)
+      << damaged.err;
+}
+
+TEST(TarnvikTool, HashPrintsWhatMd5sumPrints) {
+  testing::TempDir dir;
+  dir.write("a.mov", "clip");
+  dir.write("b.txt", "");
+  ASSERT_EQ(
+      testing::sh(dir.path(), "md5sum a.mov b.txt > expected.md5 && sha1sum a.mov > expected.sha1"),
+      0);
+  EXPECT_EQ(tarnvik(dir.path(), "hash a.mov b.txt").out,
+            testing::slurp(dir.path() / "expected.md5"));
+  EXPECT_EQ(tarnvik(dir.path(), "hash --sha1 a.mov").out,
+            testing::slurp(dir.path() / "expected.sha1"));
+  const ToolRun missing = tarnvik(dir.path(), "hash none.mov");
+  EXPECT_EQ(missing.code, 1);
+  EXPECT_EQ(missing.err, "tarnvik: hash: none.mov: cannot be read\n");
+}
+
+TEST(TarnvikTool, ZipRoundTripAndARefusedArchive) {
+  testing::TempDir dir;
+  makeCard(dir);
+  ASSERT_EQ(tarnvik(dir.path(), "zip card.zip card").code, 0);
+  EXPECT_EQ(testing::sh(dir.path(), "unzip -tq card.zip >/dev/null"), 0);
+  ASSERT_EQ(tarnvik(dir.path(), "unzip card.zip back").code, 0);
+  EXPECT_EQ(testing::treeOf(dir.path() / "back/card"), testing::treeOf(dir.path() / "card"));
+  ASSERT_EQ(
+      testing::python(dir.path(),
+                      "import zipfile\nwith zipfile.ZipFile('evil.zip', 'w') as z:\n"
+                      "    z.writestr('../../evil.txt', 'x')\n    z.writestr('ok.txt', 'ok')\n"),
+      0);
+  fs::create_directories(dir.path() / "a/b");
+  const ToolRun evil = tarnvik(dir.path() / "a/b", "unzip ../../evil.zip out");
+  EXPECT_EQ(evil.code, 1);
+  EXPECT_NE(evil.err.find("Refused ../../evil.txt: the name leads out of the destination"),
+            std::string::npos)
+      << evil.err;
+  EXPECT_FALSE(fs::exists(dir.path() / "evil.txt"));
+  EXPECT_EQ(testing::slurp(dir.path() / "a/b/out/ok.txt"), "ok");
+}
+
+TEST(TarnvikTool, ScanCountsMediaClasses) {
+  testing::TempDir dir;
+  makeCard(dir);
+  const auto document = nlohmann::json::parse(tarnvik(dir.path(), "--json scan card").out);
+  EXPECT_EQ(document["files"], 14);  // .DS_Store included
+  EXPECT_EQ(document["classes"]["still images"], 12);
+  EXPECT_EQ(document["classes"]["movies"], 1);
+  EXPECT_EQ(nlohmann::json::parse(tarnvik(dir.path(), "--json scan card --depth 1").out)["files"],
+            1);
+  EXPECT_EQ(
+      nlohmann::json::parse(tarnvik(dir.path(), "--json scan card/DCIM/A000 --fast").out)["files"],
+      4);
+}
+
+TEST(TarnvikTool, ProgressOnATerminalOnlyAndCtrlCLosesNothing) {
+  testing::TempDir dir;
+  makeCard(dir, 3);
+  const std::string tool = TARNVIK_TOOL;
+  ASSERT_EQ(
+      testing::sh(dir.path(), "script -qec '" + tool + " copy card dest' /dev/null > tty.txt"), 0);
+  EXPECT_NE(testing::slurp(dir.path() / "tty.txt").find("copying ["), std::string::npos);
+  fs::remove_all(dir.path() / "dest");
+  fs::create_directories(dir.path() / "dest");
+  EXPECT_EQ(tarnvik(dir.path(), "copy card dest").err, "");  // a pipe gets no progress
+
+  // A big tree, moved, interrupted as soon as the first file arrived.
+  for (int i = 0; i < 4000; ++i) dir.write("big/f" + std::to_string(i), std::string(20000, 'x'));
+  fs::create_directories(dir.path() / "target");
+  const pid_t child = ::fork();
+  if (child == 0) {
+    ::chdir(dir.path().c_str());
+    ::execl(TARNVIK_TOOL, "tarnvik", "--quiet", "move", "big", "target",
+            static_cast<char*>(nullptr));
+    ::_exit(127);
+  }
+  int status = 0;
+  bool exited = false;
+  while (fs::is_empty(dir.path() / "target")) {
+    if (::waitpid(child, &status, WNOHANG) == child) {
+      exited = true;
+      break;
+    }
+    std::this_thread::sleep_for(std::chrono::microseconds(200));
+  }
+  if (!exited) {
+    ::kill(child, SIGINT);
+    ::waitpid(child, &status, 0);
+  }
+  if (WEXITSTATUS(status) == 0) GTEST_SKIP() << "the move finished before it could be interrupted";
+  EXPECT_EQ(WEXITSTATUS(status), 130);
+  std::size_t whole = 0;
+  for (const fs::path& side : {dir.path() / "big", dir.path() / "target"}) {
+    for (const auto& entry : fs::directory_iterator(side)) {
+      EXPECT_EQ(fs::file_size(entry.path()), 20000u) << entry.path();
+      ++whole;
+    }
+  }
+  EXPECT_EQ(whole, 4000u);  // every file whole on one side or the other
+}
+
+}  // namespace
+}  // namespace tarnvik
