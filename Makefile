@@ -1,4 +1,4 @@
-# The two set-up commands: `make demo` and `make test`. Both install what is missing,
+# The two set-up commands: `make demo` (the tarnvik tool on a sample camera card) and `make test`. Both install what is missing,
 # configure and build; `make sanitize` runs the tests under ASan and UBSan.
 BUILD ?= build
 ASAN_BUILD ?= build-asan
@@ -19,7 +19,7 @@ build: configure
 	cmake --build $(BUILD) -j $(JOBS)
 
 demo: build
-	./$(BUILD)/examples/tarnvik_demo
+	./scripts/demo.sh $(BUILD)
 
 test: build
 	ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)

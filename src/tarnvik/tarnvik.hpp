@@ -8,6 +8,7 @@
 #include "tarnvik/codec/digests.hpp"
 #include "tarnvik/codec/gzip.hpp"
 #include "tarnvik/codec/hex.hpp"
+#include "tarnvik/codec/stream_digests.hpp"
 #include "tarnvik/collections/arrays.hpp"
 #include "tarnvik/collections/chained_enumerator.hpp"
 #include "tarnvik/collections/dictionaries.hpp"

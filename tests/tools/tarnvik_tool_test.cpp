@@ -87,17 +87,31 @@ TEST(TarnvikTool, OffloadVerifiesAndWritesAManifestMd5sumAccepts) {
       << damaged.err;
 }
 
-TEST(TarnvikTool, HashPrintsWhatMd5sumPrints) {
+TEST(TarnvikTool, HashPrintsWhatMd5sumSha1sumAndXxhsumPrint) {
   testing::TempDir dir;
   dir.write("a.mov", "clip");
   dir.write("b.txt", "");
-  ASSERT_EQ(
-      testing::sh(dir.path(), "md5sum a.mov b.txt > expected.md5 && sha1sum a.mov > expected.sha1"),
-      0);
-  EXPECT_EQ(tarnvik(dir.path(), "hash a.mov b.txt").out,
-            testing::slurp(dir.path() / "expected.md5"));
-  EXPECT_EQ(tarnvik(dir.path(), "hash --sha1 a.mov").out,
-            testing::slurp(dir.path() / "expected.sha1"));
+  std::string many;
+  for (int i = 0; i < 9; ++i) {
+    dir.write("c" + std::to_string(i), std::string(i * 1000, 'x'));
+    many += " c" + std::to_string(i);
+  }
+  ASSERT_EQ(testing::sh(dir.path(), "md5sum a.mov b.txt" + many + " > expected.md5 && sha1sum a.mov > "
+                                    "expected.sha1 && xxhsum -H2 a.mov" + many + " > expected.xxh128"),
+            0);
+  // Hashed on every core, printed in the order given.
+  EXPECT_EQ(tarnvik(dir.path(), "hash a.mov b.txt" + many).out, testing::slurp(dir.path() / "expected.md5"));
+  EXPECT_EQ(tarnvik(dir.path(), "hash --sha1 a.mov").out, testing::slurp(dir.path() / "expected.sha1"));
+  EXPECT_EQ(tarnvik(dir.path(), "hash --xxh128 a.mov" + many).out,
+            testing::slurp(dir.path() / "expected.xxh128"));
+  // xxhsum reads the tool's manifests, and the tool reads xxhsum's.
+  ASSERT_EQ(testing::sh(dir.path(), std::string(TARNVIK_TOOL) + " hash --xxh128 a.mov > mine.xxh128"), 0);
+  EXPECT_EQ(testing::sh(dir.path(), "xxhsum -c --quiet mine.xxh128"), 0);
+  EXPECT_EQ(tarnvik(dir.path(), "hash --check expected.xxh128").code, 0);
+  std::ofstream(dir.path() / "c3") << "changed";
+  const ToolRun changed = tarnvik(dir.path(), "hash --check expected.md5");
+  EXPECT_EQ(changed.code, 1);
+  EXPECT_NE(changed.out.find("c3: FAILED"), std::string::npos);
   const ToolRun missing = tarnvik(dir.path(), "hash none.mov");
   EXPECT_EQ(missing.code, 1);
   EXPECT_EQ(missing.err, "tarnvik: hash: none.mov: cannot be read\n");
@@ -123,6 +137,43 @@ TEST(TarnvikTool, ZipRoundTripAndARefusedArchive) {
       << evil.err;
   EXPECT_FALSE(fs::exists(dir.path() / "evil.txt"));
   EXPECT_EQ(testing::slurp(dir.path() / "a/b/out/ok.txt"), "ok");
+}
+
+TEST(TarnvikTool, SmallChores) {
+  testing::TempDir dir;
+  // sort: sequence order of standard input.
+  ASSERT_EQ(testing::sh(dir.path(), "printf 'clip10\\nclip9\\nA001C002\\n' | " + std::string(TARNVIK_TOOL) +
+                                        " sort > sorted"), 0);
+  EXPECT_EQ(testing::slurp(dir.path() / "sorted"), "A001C002\nclip9\nclip10\n");
+  // name: reset and unique.
+  dir.write("Clip.mov", "");
+  EXPECT_EQ(tarnvik(dir.path(), "name reset A001C009 --to 1").out, "A001C001\n");
+  EXPECT_EQ(tarnvik(dir.path(), "name unique Clip.mov --in .").out, "Clip 1.mov\n");
+  EXPECT_EQ(tarnvik(dir.path(), "name unique Clip.mov").code, 2);
+  // gzip and gunzip round trip, checked by gzip itself.
+  dir.write("report.xml", std::string(10000, 'r'));
+  ASSERT_EQ(tarnvik(dir.path(), "gzip report.xml").code, 0);
+  EXPECT_EQ(testing::sh(dir.path(), "gzip -t report.xml.gz"), 0);
+  std::filesystem::remove(dir.path() / "report.xml");
+  ASSERT_EQ(tarnvik(dir.path(), "gunzip report.xml.gz").code, 0);
+  EXPECT_EQ(testing::slurp(dir.path() / "report.xml"), std::string(10000, 'r'));
+  EXPECT_EQ(tarnvik(dir.path(), "gunzip report.xml").code, 1);
+  // folders: the structure without the files.
+  dir.write("tree/a/b/f.txt", "f");
+  dir.write("tree/c/.DS_Store", "");
+  ASSERT_EQ(tarnvik(dir.path(), "folders tree copy").code, 0);
+  EXPECT_EQ(testing::treeOf(dir.path() / "copy"),
+            (std::map<std::string, std::string>{{"a/", ""}, {"a/b/", ""}, {"c/", ""}}));
+  ASSERT_EQ(tarnvik(dir.path(), "folders tree empty --empty-only").code, 0);
+  EXPECT_EQ(testing::treeOf(dir.path() / "empty"), (std::map<std::string, std::string>{{"c/", ""}}));
+  // prune: nothing in a fresh folder is older than a day.
+  EXPECT_EQ(nlohmann::json::parse(tarnvik(dir.path(), "--json prune tree --older-than 1 --dry-run").out)["removed"].size(), 0u);
+  EXPECT_EQ(tarnvik(dir.path(), "prune tree --older-than 0").code, 2);
+  // volumes and time.
+  const auto volumes = nlohmann::json::parse(tarnvik(dir.path(), "--json volumes").out)["volumes"];
+  ASSERT_FALSE(volumes.empty());
+  EXPECT_EQ(volumes[0]["path"], "/");
+  EXPECT_EQ(tarnvik(dir.path(), "time 5400").out, "1:30:00 h\n");
 }
 
 TEST(TarnvikTool, ScanCountsMediaClasses) {

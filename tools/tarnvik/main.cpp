@@ -32,6 +32,13 @@ int main(int argc, char** argv) {
   add(addUnzipCommand(app, settings));
   add(addHashCommand(app, settings));
   add(addNameCommand(app, settings));
+  add(addSortCommand(app, settings));
+  add(addPruneCommand(app, settings));
+  add(addFoldersCommand(app, settings));
+  add(addVolumesCommand(app, settings));
+  add(addGzipCommand(app, settings, true));
+  add(addGzipCommand(app, settings, false));
+  add(addTimeCommand(app, settings));
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {

@@ -1,22 +1,51 @@
-// hash (md5sum and sha1sum output, and their -c check) and name (clip counters).
+// hash (md5sum, sha1sum and xxhsum output, and their -c check) and name (clip counters).
+#include <algorithm>
+#include <atomic>
 #include <fstream>
 #include <iostream>
+#include <thread>
+#include <vector>
 
-#include "tarnvik/codec/digests.hpp"
+#include "tarnvik/codec/stream_digests.hpp"
 #include "tarnvik/platform/base/file_manager.hpp"
 #include "tarnvik/text/name_segments.hpp"
+#include "tarnvik/text/unique_names.hpp"
 #include "tool.hpp"
 
 namespace tarnvik::tool {
 
 namespace {
 
-// The lower-case hex digest of the file, or "" when it cannot be read.
-std::string digestOf(const std::string& path, bool useSha1) {
-  const Data bytes =
-      FileManager::defaultManager().contentsAtPath(String(path), NSDataReadingMappedIfSafe);
-  if (bytes.isNil()) return std::string();
-  return utf8((useSha1 ? sha1(bytes) : md5(bytes)).lowercaseString());
+// The algorithm of a manifest: from its extension, else from the length of its digests.
+DigestAlgorithm manifestAlgorithm(const std::string& path, std::size_t digestLength) {
+  const std::string extension = utf8(String(path).pathExtension().lowercaseString());
+  for (const DigestAlgorithm a : {DigestAlgorithm::MD5, DigestAlgorithm::SHA1, DigestAlgorithm::XXH64,
+                                  DigestAlgorithm::XXH128}) {
+    if (extension == digestName(a)) return a;
+  }
+  return digestLength == 40 ? DigestAlgorithm::SHA1
+         : digestLength == 16 ? DigestAlgorithm::XXH64
+                              : DigestAlgorithm::MD5;
+}
+
+// The digests of the files, computed on every core, in the files' order ("" for a file that
+// cannot be read).
+std::vector<std::string> digestsOf(const std::vector<std::string>& files,
+                                   const std::vector<DigestAlgorithm>& algorithms) {
+  std::vector<std::string> digests(files.size());
+  std::atomic<std::size_t> next{0};
+  auto work = [&] {
+    for (std::size_t i = next++; i < files.size() && !interrupted.load(); i = next++) {
+      digests[i] = utf8(digestOfFileAtPath(String(files[i]), algorithms[i]));
+    }
+  };
+  const unsigned cores = std::max(1u, std::min<unsigned>(std::thread::hardware_concurrency(),
+                                                         static_cast<unsigned>(files.size())));
+  std::vector<std::thread> workers;
+  for (unsigned c = 1; c < cores; ++c) workers.emplace_back(work);
+  work();
+  for (std::thread& worker : workers) worker.join();
+  return digests;
 }
 
 }  // namespace
@@ -24,19 +53,18 @@ std::string digestOf(const std::string& path, bool useSha1) {
 Runner addHashCommand(CLI::App& app, const Settings& settings) {
   struct Arguments {
     std::vector<std::string> files;
-    bool sha1 = false;
     std::string check;
   };
   auto arguments = std::make_shared<Arguments>();
   CLI::App* command = app.add_subcommand(
-      "hash",
-      "Digests of files, printed as md5sum (or sha1sum) prints them; --check reads\n"
-      "their manifests\n"
-      "Example: tarnvik hash --sha1 A001C001.mov\n"
-      "         cd /srv/Day01 && tarnvik hash --check offload.md5");
+      "hash", "Digests of files, printed as md5sum, sha1sum or xxhsum print them (files hashed\n"
+              "on every core); --check reads their manifests\n"
+              "Example: tarnvik hash --xxh128 A001C001.mov\n"
+              "         cd /srv/Day01 && tarnvik hash --check offload.md5");
   command->add_option("FILE", arguments->files, "Files to hash");
-  command->add_flag("--sha1", arguments->sha1, "SHA-1 instead of MD5");
-  command->add_option("--check", arguments->check, "A manifest to check (\"digest  name\" lines)");
+  const auto algorithm = addDigestFlags(command);
+  command->add_option("--check", arguments->check,
+                      "A manifest to check (\"digest  name\" lines; the algorithm from its extension)");
   return [=, &settings] {
     Outcome outcome;
     if (!arguments->check.empty()) {
@@ -45,16 +73,22 @@ Runner addHashCommand(CLI::App& app, const Settings& settings) {
         reportError(outcome, "hash", arguments->check, std::string("cannot be read"));
         return outcome;
       }
-      std::string line;
-      std::uint64_t failed = 0;
-      while (std::getline(manifest, line)) {
+      std::vector<std::string> names, expected;
+      std::vector<DigestAlgorithm> algorithms;
+      for (std::string line; std::getline(manifest, line);) {
         const std::size_t gap = line.find(' ');
         if (gap == std::string::npos || gap + 2 > line.size()) continue;
-        const std::string expected = line.substr(0, gap), name = line.substr(gap + 2);
-        const bool ok = digestOf(name, expected.size() == 40) == expected;
+        expected.push_back(line.substr(0, gap));
+        names.push_back(line.substr(gap + 2));
+        algorithms.push_back(manifestAlgorithm(arguments->check, gap));
+      }
+      const std::vector<std::string> digests = digestsOf(names, algorithms);
+      std::uint64_t failed = 0;
+      for (std::size_t i = 0; i < names.size(); ++i) {
+        const bool ok = digests[i] == expected[i];
         failed += ok ? 0 : 1;
-        outcome.document["files"].push_back({{"file", name}, {"ok", ok}});
-        if (!settings.json) std::cout << name << (ok ? ": OK" : ": FAILED") << '\n';
+        outcome.document["files"].push_back({{"file", names[i]}, {"ok", ok}});
+        if (!settings.json) std::cout << names[i] << (ok ? ": OK" : ": FAILED") << '\n';
       }
       if (failed > 0) {
         reportError(outcome, "hash", arguments->check,
@@ -63,39 +97,57 @@ Runner addHashCommand(CLI::App& app, const Settings& settings) {
       }
       return outcome;
     }
-    for (const std::string& file : arguments->files) {
-      const std::string digest = digestOf(file, arguments->sha1);
-      if (digest.empty()) {
+    const std::vector<std::string> digests =
+        digestsOf(arguments->files, std::vector<DigestAlgorithm>(arguments->files.size(), *algorithm));
+    for (std::size_t i = 0; i < arguments->files.size(); ++i) {
+      const std::string& file = arguments->files[i];
+      if (digests[i].empty()) {
         reportError(outcome, "hash", file, std::string("cannot be read"));
         continue;
       }
-      outcome.document["files"].push_back({{"file", file}, {"digest", digest}});
-      if (!settings.json) std::cout << digest << "  " << file << '\n';
+      outcome.document["files"].push_back({{"file", file}, {"digest", digests[i]}});
+      if (!settings.json) std::cout << digests[i] << "  " << file << '\n';
     }
+    if (interrupted.load()) outcome.code = kCancelled;
     return outcome;
   };
 }
 
 Runner addNameCommand(CLI::App& app, const Settings& settings) {
   struct Arguments {
-    std::string action, name;
+    std::string action, name, folder;
+    UInteger index = 1;
   };
   auto arguments = std::make_shared<Arguments>();
-  CLI::App* command =
-      app.add_subcommand("name",
-                         "The next or previous clip name, counting in the last digit run\n"
-                         "Example: tarnvik name next A001C009   (prints A001C010)");
-  command->add_option("ACTION", arguments->action, "next or previous")
+  CLI::App* command = app.add_subcommand(
+      "name", "Clip names: the next or previous one (counting in the last digit run), the\n"
+              "counter reset, or a name that is free in a folder\n"
+              "Example: tarnvik name next A001C009          (prints A001C010)\n"
+              "         tarnvik name unique Clip.mov --in /srv/Day01");
+  command->add_option("ACTION", arguments->action, "next, previous, reset or unique")
       ->required()
-      ->check(CLI::IsMember({"next", "previous"}));
+      ->check(CLI::IsMember({"next", "previous", "reset", "unique"}));
   command->add_option("NAME", arguments->name, "A clip or file name")->required();
+  command->add_option("--to", arguments->index, "The counter for reset (1 when not given)");
+  command->add_option("--in", arguments->folder, "The folder for unique");
   return [=, &settings] {
     Outcome outcome;
     const String name(arguments->name);
-    const String result =
-        arguments->action == "next" ? incrementLastSegment(name) : decrementLastSegment(name);
-    outcome.document.update(
-        {{"command", "name"}, {"name", arguments->name}, {"result", utf8(result)}});
+    String result;
+    if (arguments->action == "next") {
+      result = incrementLastSegment(name);
+    } else if (arguments->action == "previous") {
+      result = decrementLastSegment(name);
+    } else if (arguments->action == "reset") {
+      result = resetLastSegmentToIndex(name, arguments->index);
+    } else if (arguments->folder.empty()) {
+      reportError(outcome, "name", "unique", std::string("needs --in FOLDER"));
+      outcome.code = kUsage;
+      return outcome;
+    } else {
+      result = uniquifyFileNameInFolder(name, String(arguments->folder));
+    }
+    outcome.document.update({{"command", "name"}, {"name", arguments->name}, {"result", utf8(result)}});
     if (!settings.json) std::cout << utf8(result) << '\n';
     return outcome;
   };

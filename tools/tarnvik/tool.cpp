@@ -24,6 +24,19 @@ void installInterruptHandler() {
   ::sigaction(SIGTERM, &action, nullptr);
 }
 
+std::shared_ptr<DigestAlgorithm> addDigestFlags(CLI::App* command) {
+  auto algorithm = std::make_shared<DigestAlgorithm>(DigestAlgorithm::MD5);
+  const std::pair<const char*, DigestAlgorithm> flags[] = {{"--md5", DigestAlgorithm::MD5},
+                                                           {"--sha1", DigestAlgorithm::SHA1},
+                                                           {"--xxh64", DigestAlgorithm::XXH64},
+                                                           {"--xxh128", DigestAlgorithm::XXH128}};
+  for (const auto& [flag, value] : flags) {
+    command->add_flag_callback(flag, [algorithm, value = value] { *algorithm = value; },
+                               std::string("Digest with ") + digestName(value));
+  }
+  return algorithm;
+}
+
 std::string utf8(const String& text) { return text.isNil() ? std::string() : text.utf8(); }
 
 std::string humanBytes(std::uint64_t bytes) {

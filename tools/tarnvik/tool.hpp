@@ -10,6 +10,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "tarnvik/codec/stream_digests.hpp"
 #include "tarnvik/platform/base/error.hpp"
 #include "tarnvik/platform/base/string.hpp"
 
@@ -63,6 +64,9 @@ class Progress {
 };
 
 std::string utf8(const String& text);
+
+// --md5 (the default), --sha1, --xxh64, --xxh128 on a command; the chosen algorithm.
+std::shared_ptr<DigestAlgorithm> addDigestFlags(CLI::App* command);
 std::string humanBytes(std::uint64_t bytes);
 
 // Each command adds itself to the app and returns the function that runs it.
@@ -74,5 +78,11 @@ Runner addZipCommand(CLI::App& app, const Settings& settings);
 Runner addUnzipCommand(CLI::App& app, const Settings& settings);
 Runner addHashCommand(CLI::App& app, const Settings& settings);
 Runner addNameCommand(CLI::App& app, const Settings& settings);
+Runner addSortCommand(CLI::App& app, const Settings& settings);
+Runner addPruneCommand(CLI::App& app, const Settings& settings);
+Runner addFoldersCommand(CLI::App& app, const Settings& settings);
+Runner addVolumesCommand(CLI::App& app, const Settings& settings);
+Runner addGzipCommand(CLI::App& app, const Settings& settings, bool pack);
+Runner addTimeCommand(CLI::App& app, const Settings& settings);
 
 }  // namespace tarnvik::tool

@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <iostream>
 
-#include "tarnvik/codec/digests.hpp"
 #include "tarnvik/fs/directory_transfer.hpp"
 #include "tarnvik/platform/base/directory_enumerator.hpp"
 #include "tool.hpp"
@@ -116,14 +115,14 @@ Runner addTransferCommand(CLI::App& app, const Settings& settings, bool copy) {
 
 Runner addOffloadCommand(CLI::App& app, const Settings& settings) {
   auto arguments = std::make_shared<TransferArguments>();
-  auto sha1Digest = std::make_shared<bool>(false);
   CLI::App* command = app.add_subcommand(
       "offload",
       "Copy a camera card into DEST, verify every file by digest and write a manifest\n"
-      "(DEST/offload.md5, which `md5sum -c` reads from DEST)\n"
-      "Example: tarnvik offload /media/CARD /srv/Day01/A001");
+      "(DEST/offload.md5, which `md5sum -c` reads from DEST; offload.sha1, offload.xxh64\n"
+      "or offload.xxh128 for sha1sum -c and xxhsum -c)\n"
+      "Example: tarnvik offload /media/CARD /srv/Day01/A001 --xxh128");
   arguments->addTo(command);
-  command->add_flag("--sha1", *sha1Digest, "SHA-1 instead of MD5 (manifest offload.sha1)");
+  const auto algorithm = addDigestFlags(command);
   return [=, &settings] {
     Outcome outcome;
     TransferProgress last;
@@ -143,11 +142,7 @@ Runner addOffloadCommand(CLI::App& app, const Settings& settings) {
     DirectoryItem item;
     while (walk.nextItem(&item) && !interrupted.load()) {
       if (item.type != FileType::Regular || item.name == String(u".DS_Store")) continue;
-      auto digest = [&](const String& path) {
-        const Data bytes = fm.contentsAtPath(path, NSDataReadingMappedIfSafe);
-        if (bytes.isNil()) return std::string();
-        return (*sha1Digest ? sha1(bytes) : md5(bytes)).lowercaseString().utf8();
-      };
+      auto digest = [&](const String& path) { return utf8(digestOfFileAtPath(path, *algorithm)); };
       const std::string original = digest(item.path);
       const std::string copied =
           digest(destination.stringByAppendingPathComponent(item.relativePath));
@@ -165,8 +160,8 @@ Runner addOffloadCommand(CLI::App& app, const Settings& settings) {
       outcome.code = kCancelled;
       return outcome;
     }
-    const String manifestPath =
-        destination.stringByAppendingPathComponent(*sha1Digest ? u"offload.sha1" : u"offload.md5");
+    const String manifestPath = destination.stringByAppendingPathComponent(
+        String("offload.").stringByAppendingString(String(digestName(*algorithm))));
     if (!fm.writeDataToPath(Data::withBytes(manifest.data(), manifest.size()), manifestPath, true,
                             &error)) {
       reportError(outcome, "offload", "writing " + utf8(manifestPath), error);

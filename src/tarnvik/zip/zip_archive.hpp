@@ -23,6 +23,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "tarnvik/platform/base/array.hpp"
 #include "tarnvik/platform/base/data.hpp"
@@ -131,6 +132,17 @@ struct UnzipOptions {
   std::function<bool(const UnzipProgress&)> progress;
 };
 
+// A file read and deflated ahead of writing, so that several files can be deflated at once
+// while one thread writes the archive in order (KUZipArchive::packFile, writePackedEntry).
+struct KUZipPackedEntry {
+  bool readable = false;  // the file could be opened
+  bool packed = false;    // it was read whole and deflated (files up to 32 MiB)
+  int level = -1;
+  std::uint64_t size = 0;
+  std::uint32_t crc = 0;
+  std::vector<std::uint8_t> deflated;
+};
+
 struct KUZipArchiveHandle;
 
 class KUZipArchive {
@@ -180,6 +192,13 @@ class KUZipArchive {
   bool writeFile(const String& path);
   bool writeFile(const String& path, const String& toZipFilePath);
   bool writeFileWithoutCompressionToZipFilePath(const String& path, const String& toZipFilePath);
+  // Reads and deflates a file (level -1: the default; 0: stored in deflate blocks). Safe
+  // from any thread. A file past 32 MiB comes back readable but not packed: write it with
+  // writeFile, which streams it.
+  static KUZipPackedEntry packFile(const String& path, int level = -1);
+  // Adds a packed file under the name, as writeFile would have; false for an entry that
+  // is not packed or an archive not open.
+  bool writePackedEntry(const KUZipPackedEntry& entry, const String& name);
   // Adds the bytes under the name, dated now; false for nil data or an archive not open.
   bool writeData(const Data& data, const String& filename);
   // Finishes the archive; always true. Asserts that it was opened. The archive cannot be

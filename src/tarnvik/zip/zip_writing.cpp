@@ -102,45 +102,78 @@ bool KUZipArchive::writeFileWithoutCompressionToZipFilePath(const String& path,
   return writeFileEntry(path, toZipFilePath, 0);
 }
 
+namespace {
+
+// Reads the rest of the open file whole, to its end (which may lie past the size seen a
+// moment ago), and deflates it.
+bool packOpenFile(FILE* file, std::uint64_t size, int level, std::vector<std::uint8_t>& bytes,
+                  KUZipPackedEntry* entry) {
+  bytes.resize(static_cast<std::size_t>(size) + 1);
+  std::size_t got = 0;
+  for (;;) {
+    got += ::fread(bytes.data() + got, 1, bytes.size() - got, file);
+    if (::feof(file) || ::ferror(file)) break;
+    bytes.resize(bytes.size() * 2);
+  }
+  bytes.resize(got);
+  entry->size = got;
+  entry->crc = libdeflate_crc32(0, bytes.data(), bytes.size());
+  entry->level = level;
+  return deflateWhole(bytes, level, &entry->deflated);
+}
+
+}  // namespace
+
+KUZipPackedEntry KUZipArchive::packFile(const String& path, int level) {
+  KUZipPackedEntry entry;
+  FILE* file = ::fopen(path.utf8().c_str(), "r");
+  if (!file) return entry;
+  struct stat info {};
+  if (::fstat(::fileno(file), &info) == 0 && S_ISREG(info.st_mode) &&
+      static_cast<std::uint64_t>(info.st_size) <= kWholeLimit) {
+    std::vector<std::uint8_t> bytes;
+    entry.packed = packOpenFile(file, static_cast<std::uint64_t>(info.st_size), level, bytes, &entry);
+  }
+  entry.readable = true;
+  ::fclose(file);
+  return entry;
+}
+
+bool KUZipArchive::writePackedEntry(const KUZipPackedEntry& entry, const String& name) {
+  zipFile zip = closed_ ? nullptr : handleOf(zip_);
+  if (!zip || !entry.packed) return false;
+  zipOpenNewFileInZip2_64(zip, name.utf8().c_str(), nullptr, nullptr, 0, nullptr, 0, nullptr,
+                          Z_DEFLATED, entry.level, 1, 0);
+  zipWriteInFileInZip(zip, entry.deflated.data(), static_cast<unsigned>(entry.deflated.size()));
+  return zipCloseFileInZipRaw64(zip, entry.size, entry.crc) == ZIP_OK;
+}
+
 bool KUZipArchive::writeFileEntry(const String& path, const String& name, int level) {
   FILE* file = ::fopen(path.utf8().c_str(), "r");
   if (!file) return false;
   // After close the handle stays set (the archive cannot be opened again) but is gone.
   zipFile zip = closed_ ? nullptr : handleOf(zip_);
-  const std::string entry = name.utf8();
   struct stat info {};
   const std::uint64_t size =
       ::fstat(::fileno(file), &info) == 0 ? static_cast<std::uint64_t>(info.st_size) : 0;
-  int closed = ZIP_ERRNO;
+  bool written = false;
   if (S_ISREG(info.st_mode) && size <= kWholeLimit && zip) {
-    std::vector<std::uint8_t>& bytes = zip_->bytes;
-    std::vector<std::uint8_t>& packed = zip_->packed;
-    // Read to the end, which may lie past the size seen a moment ago.
-    bytes.resize(static_cast<std::size_t>(size) + 1);
-    std::size_t got = 0;
-    for (;;) {
-      got += ::fread(bytes.data() + got, 1, bytes.size() - got, file);
-      if (::feof(file) || ::ferror(file)) break;
-      bytes.resize(bytes.size() * 2);
-    }
-    bytes.resize(got);
-    if (deflateWhole(bytes, level, &packed)) {
-      zipOpenNewFileInZip2_64(zip, entry.c_str(), nullptr, nullptr, 0, nullptr, 0, nullptr,
-                              Z_DEFLATED, level, 1, 0);
-      zipWriteInFileInZip(zip, packed.data(), static_cast<unsigned>(packed.size()));
-      closed = zipCloseFileInZipRaw64(zip, bytes.size(),
-                                      libdeflate_crc32(0, bytes.data(), bytes.size()));
-    }
+    // The buffers are the archive's, kept from entry to entry.
+    KUZipPackedEntry entry;
+    std::swap(entry.deflated, zip_->packed);
+    entry.packed = packOpenFile(file, size, level, zip_->bytes, &entry);
+    written = writePackedEntry(entry, name);
+    std::swap(entry.deflated, zip_->packed);
   } else {
-    zipOpenNewFileInZip64(zip, entry.c_str(), nullptr, nullptr, 0, nullptr, 0, nullptr, Z_DEFLATED,
-                          level, size >= kZip64Size ? 1 : 0);
+    zipOpenNewFileInZip64(zip, name.utf8().c_str(), nullptr, nullptr, 0, nullptr, 0, nullptr,
+                          Z_DEFLATED, level, size >= kZip64Size ? 1 : 0);
     readPieces(file, kStreamPiece, [&](const std::uint8_t* data, std::size_t n) {
       zipWriteInFileInZip(zip, data, static_cast<unsigned>(n));
     });
-    closed = zipCloseFileInZip(zip);
+    written = zipCloseFileInZip(zip) == ZIP_OK;
   }
   ::fclose(file);
-  return closed == ZIP_OK;
+  return written;
 }
 
 bool KUZipArchive::writeData(const Data& data, const String& filename) {
