@@ -44,3 +44,5 @@ echo "== folder copies, merges, removal, recreation and scans against cp, rsync,
 python3 "$here/fs_compare.py" "$build"
 echo "== zip archives against bsdtar, Info-ZIP and Python's zipfile"
 python3 "$here/zip_compare.py" "$build"
+echo "== the tarnvik tool against cp, md5sum, bsdtar, cat and sort -V"
+python3 "$here/tool_compare.py" "$build"

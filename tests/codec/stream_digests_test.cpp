@@ -15,14 +15,15 @@ TEST(StreamDigests, MatchMd5sumSha1sumAndXxhsumWholeAndInPieces) {
   std::string bytes;
   for (std::uint64_t i = 0; i < 3000017; ++i) bytes += static_cast<char>(i * 131 % 253);
   const auto file = dir.write("clip.mov", bytes);
-  const std::pair<DigestAlgorithm, const char*> tools[] = {
-      {DigestAlgorithm::MD5, "md5sum"},
-      {DigestAlgorithm::SHA1, "sha1sum"},
-      {DigestAlgorithm::XXH64, "xxhsum -H1"},
-      {DigestAlgorithm::XXH128, "xxhsum -H2"}};
+  const std::pair<DigestAlgorithm, const char*> tools[] = {{DigestAlgorithm::MD5, "md5sum"},
+                                                           {DigestAlgorithm::SHA1, "sha1sum"},
+                                                           {DigestAlgorithm::XXH64, "xxhsum -H1"},
+                                                           {DigestAlgorithm::XXH128, "xxhsum -H2"}};
   for (const auto& [algorithm, tool] : tools) {
     SCOPED_TRACE(tool);
-    ASSERT_EQ(testing::sh(dir.path(), std::string(tool) + " clip.mov | cut -c1-40 | cut -d' ' -f1 > expected"), 0);
+    ASSERT_EQ(testing::sh(dir.path(),
+                          std::string(tool) + " clip.mov | cut -c1-40 | cut -d' ' -f1 > expected"),
+              0);
     std::string expected = testing::slurp(dir.path() / "expected");
     expected.pop_back();
     EXPECT_EQ(digestOfFileAtPath(testing::str(file), algorithm).utf8(), expected);
@@ -34,7 +35,8 @@ TEST(StreamDigests, MatchMd5sumSha1sumAndXxhsumWholeAndInPieces) {
     EXPECT_EQ(pieces.hexDigest(), expected);
   }
   Error error;
-  EXPECT_TRUE(digestOfFileAtPath(testing::str(dir.path() / "none"), DigestAlgorithm::MD5, &error).isNil());
+  EXPECT_TRUE(
+      digestOfFileAtPath(testing::str(dir.path() / "none"), DigestAlgorithm::MD5, &error).isNil());
   EXPECT_EQ(error.code(), NSFileReadNoSuchFileError);
 }
 

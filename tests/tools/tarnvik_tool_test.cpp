@@ -96,16 +96,21 @@ TEST(TarnvikTool, HashPrintsWhatMd5sumSha1sumAndXxhsumPrint) {
     dir.write("c" + std::to_string(i), std::string(i * 1000, 'x'));
     many += " c" + std::to_string(i);
   }
-  ASSERT_EQ(testing::sh(dir.path(), "md5sum a.mov b.txt" + many + " > expected.md5 && sha1sum a.mov > "
-                                    "expected.sha1 && xxhsum -H2 a.mov" + many + " > expected.xxh128"),
+  ASSERT_EQ(testing::sh(dir.path(), "md5sum a.mov b.txt" + many +
+                                        " > expected.md5 && sha1sum a.mov > "
+                                        "expected.sha1 && xxhsum -H2 a.mov" +
+                                        many + " > expected.xxh128"),
             0);
   // Hashed on every core, printed in the order given.
-  EXPECT_EQ(tarnvik(dir.path(), "hash a.mov b.txt" + many).out, testing::slurp(dir.path() / "expected.md5"));
-  EXPECT_EQ(tarnvik(dir.path(), "hash --sha1 a.mov").out, testing::slurp(dir.path() / "expected.sha1"));
+  EXPECT_EQ(tarnvik(dir.path(), "hash a.mov b.txt" + many).out,
+            testing::slurp(dir.path() / "expected.md5"));
+  EXPECT_EQ(tarnvik(dir.path(), "hash --sha1 a.mov").out,
+            testing::slurp(dir.path() / "expected.sha1"));
   EXPECT_EQ(tarnvik(dir.path(), "hash --xxh128 a.mov" + many).out,
             testing::slurp(dir.path() / "expected.xxh128"));
   // xxhsum reads the tool's manifests, and the tool reads xxhsum's.
-  ASSERT_EQ(testing::sh(dir.path(), std::string(TARNVIK_TOOL) + " hash --xxh128 a.mov > mine.xxh128"), 0);
+  ASSERT_EQ(
+      testing::sh(dir.path(), std::string(TARNVIK_TOOL) + " hash --xxh128 a.mov > mine.xxh128"), 0);
   EXPECT_EQ(testing::sh(dir.path(), "xxhsum -c --quiet mine.xxh128"), 0);
   EXPECT_EQ(tarnvik(dir.path(), "hash --check expected.xxh128").code, 0);
   std::ofstream(dir.path() / "c3") << "changed";
@@ -142,8 +147,9 @@ TEST(TarnvikTool, ZipRoundTripAndARefusedArchive) {
 TEST(TarnvikTool, SmallChores) {
   testing::TempDir dir;
   // sort: sequence order of standard input.
-  ASSERT_EQ(testing::sh(dir.path(), "printf 'clip10\\nclip9\\nA001C002\\n' | " + std::string(TARNVIK_TOOL) +
-                                        " sort > sorted"), 0);
+  ASSERT_EQ(testing::sh(dir.path(), "printf 'clip10\\nclip9\\nA001C002\\n' | " +
+                                        std::string(TARNVIK_TOOL) + " sort > sorted"),
+            0);
   EXPECT_EQ(testing::slurp(dir.path() / "sorted"), "A001C002\nclip9\nclip10\n");
   // name: reset and unique.
   dir.write("Clip.mov", "");
@@ -165,9 +171,13 @@ TEST(TarnvikTool, SmallChores) {
   EXPECT_EQ(testing::treeOf(dir.path() / "copy"),
             (std::map<std::string, std::string>{{"a/", ""}, {"a/b/", ""}, {"c/", ""}}));
   ASSERT_EQ(tarnvik(dir.path(), "folders tree empty --empty-only").code, 0);
-  EXPECT_EQ(testing::treeOf(dir.path() / "empty"), (std::map<std::string, std::string>{{"c/", ""}}));
+  EXPECT_EQ(testing::treeOf(dir.path() / "empty"),
+            (std::map<std::string, std::string>{{"c/", ""}}));
   // prune: nothing in a fresh folder is older than a day.
-  EXPECT_EQ(nlohmann::json::parse(tarnvik(dir.path(), "--json prune tree --older-than 1 --dry-run").out)["removed"].size(), 0u);
+  EXPECT_EQ(nlohmann::json::parse(
+                tarnvik(dir.path(), "--json prune tree --older-than 1 --dry-run").out)["removed"]
+                .size(),
+            0u);
   EXPECT_EQ(tarnvik(dir.path(), "prune tree --older-than 0").code, 2);
   // volumes and time.
   const auto volumes = nlohmann::json::parse(tarnvik(dir.path(), "--json volumes").out)["volumes"];

@@ -51,7 +51,8 @@ Runner addZipCommand(CLI::App& app, const Settings& settings) {
       DirectoryItem entry;
       while (walk.nextItem(&entry)) {
         if (entry.type == FileType::Regular) {
-          files.emplace_back(entry.path, path.lastPathComponent().stringByAppendingPathComponent(entry.relativePath));
+          files.emplace_back(entry.path, path.lastPathComponent().stringByAppendingPathComponent(
+                                             entry.relativePath));
         }
       }
     }

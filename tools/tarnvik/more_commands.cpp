@@ -15,27 +15,37 @@ namespace tarnvik::tool {
 
 Runner addSortCommand(CLI::App& app, const Settings& settings) {
   CLI::App* command = app.add_subcommand(
-      "sort", "Sort the lines of standard input in sequence order (clip9 before clip10,\n"
-              "like sort -V with the library's clip-name rules)\n"
-              "Example: ls /srv/Day01 | tarnvik sort");
+      "sort",
+      "Sort the lines of standard input in sequence order (clip9 before clip10,\n"
+      "like sort -V with the library's clip-name rules)\n"
+      "Example: ls /srv/Day01 | tarnvik sort");
   (void)command;
   return [&settings] {
     Outcome outcome;
-    const std::string input{std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()};
+    const std::string input{std::istreambuf_iterator<char>(std::cin),
+                            std::istreambuf_iterator<char>()};
+    // The text is decoded once; its lines and their bytes are split at the same line feeds,
+    // so each line is written back as the bytes it came as.
     const String text = String::fromUTF8Lossy(input);
     const std::u16string_view units = text.units();
     std::vector<std::u16string_view> lines;
-    for (std::size_t at = 0; at < units.size();) {
+    std::vector<std::string_view> lineBytes;
+    const std::string_view bytes(input);
+    for (std::size_t at = 0, byteAt = 0; at < units.size();) {
       std::size_t end = units.find(u'\n', at);
+      std::size_t byteEnd = bytes.find('\n', byteAt);
       if (end == std::u16string_view::npos) end = units.size();
+      if (byteEnd == std::string_view::npos) byteEnd = bytes.size();
       lines.push_back(units.substr(at, end - at));
+      lineBytes.push_back(bytes.substr(byteAt, byteEnd - byteAt));
       at = end + 1;
+      byteAt = byteEnd + 1;
     }
     std::string output;
+    output.reserve(input.size() + 1);
     for (const std::size_t i : sequenceOrder(lines)) {
-      const std::string line = String(lines[i]).utf8();
-      outcome.document["lines"].push_back(line);
-      output += line + '\n';
+      if (settings.json) outcome.document["lines"].push_back(std::string(lineBytes[i]));
+      output.append(lineBytes[i]).push_back('\n');
     }
     if (!settings.json) std::cout << output;
     return outcome;
@@ -50,10 +60,13 @@ Runner addPruneCommand(CLI::App& app, const Settings& settings) {
   };
   auto arguments = std::make_shared<Arguments>();
   CLI::App* command = app.add_subcommand(
-      "prune", "Remove the items directly in FOLDER created more than DAYS whole days ago\n"
-               "Example: tarnvik prune ~/Library/Caches/Renders --older-than 30 --dry-run");
+      "prune",
+      "Remove the items directly in FOLDER created more than DAYS whole days ago\n"
+      "Example: tarnvik prune ~/Library/Caches/Renders --older-than 30 --dry-run");
   command->add_option("FOLDER", arguments->folder, "The folder")->required();
-  command->add_option("--older-than", arguments->days, "Days (at least 1)")->required()->check(CLI::PositiveNumber);
+  command->add_option("--older-than", arguments->days, "Days (at least 1)")
+      ->required()
+      ->check(CLI::PositiveNumber);
   command->add_flag("--dry-run", arguments->dryRun, "Only list what would go");
   return [=, &settings] {
     Outcome outcome;
@@ -70,7 +83,8 @@ Runner addPruneCommand(CLI::App& app, const Settings& settings) {
       for (const Value& name : before) {
         const String path = folder.stringByAppendingPathComponent(name.asString());
         const auto created = fileCreationDate(URL::fileURLWithPath(path));
-        if (created && std::abs(created->timeIntervalSinceDate(now)) / 86400 >= static_cast<double>(arguments->days + 1)) {
+        if (created && std::abs(created->timeIntervalSinceDate(now)) / 86400 >=
+                           static_cast<double>(arguments->days + 1)) {
           gone.push_back(utf8(name.asString()));
         }
       }
@@ -81,9 +95,11 @@ Runner addPruneCommand(CLI::App& app, const Settings& settings) {
         if (after.isNil() || !after.containsObject(name)) gone.push_back(utf8(name.asString()));
       }
     }
-    outcome.document.update({{"command", "prune"}, {"removed", gone}, {"dryRun", arguments->dryRun}});
+    outcome.document.update(
+        {{"command", "prune"}, {"removed", gone}, {"dryRun", arguments->dryRun}});
     if (!settings.json) {
-      for (const std::string& name : gone) std::cout << (arguments->dryRun ? "would remove  " : "removed  ") << name << '\n';
+      for (const std::string& name : gone)
+        std::cout << (arguments->dryRun ? "would remove  " : "removed  ") << name << '\n';
     }
     return outcome;
   };
@@ -95,12 +111,14 @@ Runner addFoldersCommand(CLI::App& app, const Settings& settings) {
     bool emptyOnly = false;
   };
   auto arguments = std::make_shared<Arguments>();
-  CLI::App* command = app.add_subcommand(
-      "folders", "Recreate the folder structure of FOLDER below DEST, without files\n"
-                 "Example: tarnvik folders /srv/Day01 /srv/Day02 --empty-only");
+  CLI::App* command =
+      app.add_subcommand("folders",
+                         "Recreate the folder structure of FOLDER below DEST, without files\n"
+                         "Example: tarnvik folders /srv/Day01 /srv/Day02 --empty-only");
   command->add_option("FOLDER", arguments->source, "The tree whose folders are copied")->required();
   command->add_option("DEST", arguments->destination, "Where they are made")->required();
-  command->add_flag("--empty-only", arguments->emptyOnly, "Only the empty folders (.DS_Store counts as nothing)");
+  command->add_flag("--empty-only", arguments->emptyOnly,
+                    "Only the empty folders (.DS_Store counts as nothing)");
   return [=, &settings] {
     Outcome outcome;
     FileManager& fm = FileManager::defaultManager();
@@ -109,19 +127,24 @@ Runner addFoldersCommand(CLI::App& app, const Settings& settings) {
     const String destination = String(arguments->destination).stringByStandardizingPath();
     const bool done =
         arguments->emptyOnly
-            ? recreateEmptyFoldersFromPath(fm, source, [](const String& name) { return name == String(u".DS_Store"); },
-                                           destination, true, &error)
+            ? recreateEmptyFoldersFromPath(
+                  fm, source, [](const String& name) { return name == String(u".DS_Store"); },
+                  destination, true, &error)
             : recreateFoldersFromPath(fm, source, destination, true, &error);
     if (!done) reportError(outcome, "folders", arguments->destination, error);
-    outcome.document.update({{"command", "folders"}, {"source", arguments->source}, {"destination", arguments->destination}});
-    if (!settings.json && done) std::cout << "folders made below " << arguments->destination << '\n';
+    outcome.document.update({{"command", "folders"},
+                             {"source", arguments->source},
+                             {"destination", arguments->destination}});
+    if (!settings.json && done)
+      std::cout << "folders made below " << arguments->destination << '\n';
     return outcome;
   };
 }
 
 Runner addVolumesCommand(CLI::App& app, const Settings& settings) {
-  app.add_subcommand("volumes", "The mounted volumes: mount point, file-system type, size and fill level\n"
-                                "Example: tarnvik volumes --json");
+  app.add_subcommand("volumes",
+                     "The mounted volumes: mount point, file-system type, size and fill level\n"
+                     "Example: tarnvik volumes --json");
   return [&settings] {
     Outcome outcome;
     FileManager& fm = FileManager::defaultManager();
@@ -139,8 +162,9 @@ Runner addVolumesCommand(CLI::App& app, const Settings& settings) {
                                              {"free", attributes.freeSize},
                                              {"usedPercent", static_cast<int>(used + 0.5)}});
       if (!settings.json) {
-        std::printf("%-28s %-8s %10s %4d%% used\n", utf8(volume.asString()).c_str(), utf8(attributes.type).c_str(),
-                    humanBytes(attributes.size).c_str(), static_cast<int>(used + 0.5));
+        std::printf("%-28s %-8s %10s %4d%% used\n", utf8(volume.asString()).c_str(),
+                    utf8(attributes.type).c_str(), humanBytes(attributes.size).c_str(),
+                    static_cast<int>(used + 0.5));
       }
     }
     return outcome;
@@ -169,7 +193,8 @@ Runner addGzipCommand(CLI::App& app, const Settings& settings, bool pack) {
       return outcome;
     }
     const Data output = pack ? gzipPackedData(input) : gzipUnpackedData(input);
-    const String target = pack ? path.stringByAppendingString(u".gz") : path.stringByDeletingPathExtension();
+    const String target =
+        pack ? path.stringByAppendingString(u".gz") : path.stringByDeletingPathExtension();
     if (output.isNil()) {
       reportError(outcome, pack ? "gzip" : "gunzip", *file, std::string("is not gzip data"));
     } else if (!fm.writeDataToPath(output, target, true, &error)) {
@@ -187,14 +212,16 @@ Runner addTimeCommand(CLI::App& app, const Settings& settings) {
     double date = -1;
   };
   auto arguments = std::make_shared<Arguments>();
-  CLI::App* command = app.add_subcommand(
-      "time", "A duration in words, and a date (seconds since 1970) for people\n"
-              "Example: tarnvik time 5400 --date 1700000000");
+  CLI::App* command =
+      app.add_subcommand("time",
+                         "A duration in words, and a date (seconds since 1970) for people\n"
+                         "Example: tarnvik time 5400 --date 1700000000");
   command->add_option("SECONDS", arguments->seconds, "A duration in seconds")->required();
   command->add_option("--date", arguments->date, "A date as seconds since 1970");
   return [=, &settings] {
     Outcome outcome;
-    const std::string duration = utf8(humanReadableStringForDuration(static_cast<float>(arguments->seconds)));
+    const std::string duration =
+        utf8(humanReadableStringForDuration(static_cast<float>(arguments->seconds)));
     outcome.document.update({{"command", "time"}, {"duration", duration}});
     if (!settings.json) std::cout << duration << '\n';
     if (arguments->date >= 0) {

@@ -19,11 +19,11 @@ namespace {
 // The algorithm of a manifest: from its extension, else from the length of its digests.
 DigestAlgorithm manifestAlgorithm(const std::string& path, std::size_t digestLength) {
   const std::string extension = utf8(String(path).pathExtension().lowercaseString());
-  for (const DigestAlgorithm a : {DigestAlgorithm::MD5, DigestAlgorithm::SHA1, DigestAlgorithm::XXH64,
-                                  DigestAlgorithm::XXH128}) {
+  for (const DigestAlgorithm a : {DigestAlgorithm::MD5, DigestAlgorithm::SHA1,
+                                  DigestAlgorithm::XXH64, DigestAlgorithm::XXH128}) {
     if (extension == digestName(a)) return a;
   }
-  return digestLength == 40 ? DigestAlgorithm::SHA1
+  return digestLength == 40   ? DigestAlgorithm::SHA1
          : digestLength == 16 ? DigestAlgorithm::XXH64
                               : DigestAlgorithm::MD5;
 }
@@ -57,14 +57,16 @@ Runner addHashCommand(CLI::App& app, const Settings& settings) {
   };
   auto arguments = std::make_shared<Arguments>();
   CLI::App* command = app.add_subcommand(
-      "hash", "Digests of files, printed as md5sum, sha1sum or xxhsum print them (files hashed\n"
-              "on every core); --check reads their manifests\n"
-              "Example: tarnvik hash --xxh128 A001C001.mov\n"
-              "         cd /srv/Day01 && tarnvik hash --check offload.md5");
+      "hash",
+      "Digests of files, printed as md5sum, sha1sum or xxhsum print them (files hashed\n"
+      "on every core); --check reads their manifests\n"
+      "Example: tarnvik hash --xxh128 A001C001.mov\n"
+      "         cd /srv/Day01 && tarnvik hash --check offload.md5");
   command->add_option("FILE", arguments->files, "Files to hash");
   const auto algorithm = addDigestFlags(command);
-  command->add_option("--check", arguments->check,
-                      "A manifest to check (\"digest  name\" lines; the algorithm from its extension)");
+  command->add_option(
+      "--check", arguments->check,
+      "A manifest to check (\"digest  name\" lines; the algorithm from its extension)");
   return [=, &settings] {
     Outcome outcome;
     if (!arguments->check.empty()) {
@@ -97,8 +99,8 @@ Runner addHashCommand(CLI::App& app, const Settings& settings) {
       }
       return outcome;
     }
-    const std::vector<std::string> digests =
-        digestsOf(arguments->files, std::vector<DigestAlgorithm>(arguments->files.size(), *algorithm));
+    const std::vector<std::string> digests = digestsOf(
+        arguments->files, std::vector<DigestAlgorithm>(arguments->files.size(), *algorithm));
     for (std::size_t i = 0; i < arguments->files.size(); ++i) {
       const std::string& file = arguments->files[i];
       if (digests[i].empty()) {
@@ -120,10 +122,11 @@ Runner addNameCommand(CLI::App& app, const Settings& settings) {
   };
   auto arguments = std::make_shared<Arguments>();
   CLI::App* command = app.add_subcommand(
-      "name", "Clip names: the next or previous one (counting in the last digit run), the\n"
-              "counter reset, or a name that is free in a folder\n"
-              "Example: tarnvik name next A001C009          (prints A001C010)\n"
-              "         tarnvik name unique Clip.mov --in /srv/Day01");
+      "name",
+      "Clip names: the next or previous one (counting in the last digit run), the\n"
+      "counter reset, or a name that is free in a folder\n"
+      "Example: tarnvik name next A001C009          (prints A001C010)\n"
+      "         tarnvik name unique Clip.mov --in /srv/Day01");
   command->add_option("ACTION", arguments->action, "next, previous, reset or unique")
       ->required()
       ->check(CLI::IsMember({"next", "previous", "reset", "unique"}));
@@ -147,7 +150,8 @@ Runner addNameCommand(CLI::App& app, const Settings& settings) {
     } else {
       result = uniquifyFileNameInFolder(name, String(arguments->folder));
     }
-    outcome.document.update({{"command", "name"}, {"name", arguments->name}, {"result", utf8(result)}});
+    outcome.document.update(
+        {{"command", "name"}, {"name", arguments->name}, {"result", utf8(result)}});
     if (!settings.json) std::cout << utf8(result) << '\n';
     return outcome;
   };

@@ -31,8 +31,9 @@ std::shared_ptr<DigestAlgorithm> addDigestFlags(CLI::App* command) {
                                                            {"--xxh64", DigestAlgorithm::XXH64},
                                                            {"--xxh128", DigestAlgorithm::XXH128}};
   for (const auto& [flag, value] : flags) {
-    command->add_flag_callback(flag, [algorithm, value = value] { *algorithm = value; },
-                               std::string("Digest with ") + digestName(value));
+    command->add_flag_callback(
+        flag, [algorithm, value = value] { *algorithm = value; },
+        std::string("Digest with ") + digestName(value));
   }
   return algorithm;
 }

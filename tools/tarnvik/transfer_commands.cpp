@@ -1,10 +1,16 @@
 // copy, move and offload: the merging folder transfers, and an offload that verifies every
 // copied file by digest and writes a manifest md5sum -c (or sha1sum -c) reads.
-#include <filesystem>
+#include <algorithm>
+#include <condition_variable>
+#include <deque>
 #include <iostream>
+#include <mutex>
+#include <thread>
+#include <vector>
 
 #include "tarnvik/fs/directory_transfer.hpp"
 #include "tarnvik/platform/base/directory_enumerator.hpp"
+#include "tarnvik/text/paths.hpp"
 #include "tool.hpp"
 
 namespace tarnvik::tool {
@@ -113,52 +119,150 @@ Runner addTransferCommand(CLI::App& app, const Settings& settings, bool copy) {
   };
 }
 
+namespace {
+
+// Verifies copied files while the transfer goes on: each file the transfer reports is
+// queued, and workers on every core hash it at both ends.
+class Verifier {
+ public:
+  Verifier(String source, String destination, DigestAlgorithm algorithm)
+      : source_(std::move(source)), destination_(std::move(destination)), algorithm_(algorithm) {
+    const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
+    for (unsigned c = 0; c < cores; ++c) workers_.emplace_back([this] { work(); });
+  }
+  ~Verifier() { finish(); }
+
+  void add(const String& relativePath) {
+    std::lock_guard lock(mutex_);
+    queue_.push_back(results_.size());
+    results_.push_back(Result{relativePath, std::string(), false, false});
+    ready_.notify_one();
+  }
+  void finish() {
+    {
+      std::lock_guard lock(mutex_);
+      closed_ = true;
+    }
+    ready_.notify_all();
+    for (std::thread& worker : workers_) worker.join();
+    workers_.clear();
+  }
+
+  struct Result {
+    String relativePath;
+    std::string digest;
+    bool readable = false;
+    bool matches = false;
+  };
+  // In the order the transfer reported the files.
+  const std::vector<Result>& results() const { return results_; }
+
+ private:
+  void work() {
+    for (;;) {
+      std::size_t index = 0;
+      String relative;
+      {
+        std::unique_lock lock(mutex_);
+        ready_.wait(lock, [this] { return closed_ || !queue_.empty(); });
+        if (queue_.empty()) return;
+        index = queue_.front();
+        queue_.pop_front();
+        relative = results_[index].relativePath;
+      }
+      const String original =
+          digestOfFileAtPath(source_.stringByAppendingPathComponent(relative), algorithm_);
+      const String copied =
+          original.isNil() ? String()
+                           : digestOfFileAtPath(
+                                 destination_.stringByAppendingPathComponent(relative), algorithm_);
+      std::lock_guard lock(mutex_);
+      Result& result = results_[index];
+      result.readable = !original.isNil();
+      result.digest = utf8(original);
+      result.matches = result.readable && original == copied;
+    }
+  }
+
+  const String source_, destination_;
+  const DigestAlgorithm algorithm_;
+  std::mutex mutex_;
+  std::condition_variable ready_;
+  std::deque<std::size_t> queue_;
+  std::vector<Result> results_;  // grows under the lock; workers only touch their own entry
+  bool closed_ = false;
+  std::vector<std::thread> workers_;
+};
+
+}  // namespace
+
 Runner addOffloadCommand(CLI::App& app, const Settings& settings) {
-  auto arguments = std::make_shared<TransferArguments>();
+  struct Arguments {
+    std::string source, destination;
+    bool skipExisting = false, overwrite = false;
+  };
+  auto arguments = std::make_shared<Arguments>();
   CLI::App* command = app.add_subcommand(
       "offload",
-      "Copy a camera card into DEST, verify every file by digest and write a manifest\n"
-      "(DEST/offload.md5, which `md5sum -c` reads from DEST; offload.sha1, offload.xxh64\n"
-      "or offload.xxh128 for sha1sum -c and xxhsum -c)\n"
+      "Copy a camera card into DEST and verify every file by digest while the copy goes on;\n"
+      "write a manifest (DEST/offload.md5, which `md5sum -c` reads from DEST; offload.sha1,\n"
+      "offload.xxh64 or offload.xxh128 for sha1sum -c and xxhsum -c)\n"
       "Example: tarnvik offload /media/CARD /srv/Day01/A001 --xxh128");
-  arguments->addTo(command);
+  command->add_option("SOURCE", arguments->source, "The card (a folder)")->required();
+  command->add_option("DEST", arguments->destination, "An existing folder it goes into")
+      ->required();
+  auto* skip = command->add_flag("--skip-existing", arguments->skipExisting,
+                                 "Leave files that are already there (they are still verified)");
+  auto* over = command->add_flag("--overwrite", arguments->overwrite,
+                                 "Replace files that are already there");
+  skip->excludes(over);
   const auto algorithm = addDigestFlags(command);
   return [=, &settings] {
     Outcome outcome;
+    FileManager& fm = FileManager::defaultManager();
+    const String source = String(arguments->source).stringByStandardizingPath();
+    const String destination = String(arguments->destination).stringByStandardizingPath();
+    Progress progress(settings, "offloading");
+    Verifier verifier(source, destination, *algorithm);
+    TransferOptions options;
+    options.conflict = arguments->skipExisting ? TransferConflict::Skip
+                       : arguments->overwrite  ? TransferConflict::Overwrite
+                                               : TransferConflict::Fail;
+    options.progressInterval = std::chrono::milliseconds(0);  // every file, for the verifier
     TransferProgress last;
+    UInteger seen = 0;
+    options.progress = [&](const TransferProgress& p) {
+      last = p;
+      if (p.itemsDone > seen) {
+        seen = p.itemsDone;
+        FileAttributes attributes;
+        if (fm.attributesOfItemAtPath(p.currentPath, false, &attributes) &&
+            attributes.type == FileType::Regular) {
+          verifier.add(relativePathFromBaseDirPath(p.currentPath, source));
+        }
+      }
+      progress.update(p.itemsDone, p.itemsTotal, p.bytesDone, p.bytesTotal);
+      return !interrupted.load();
+    };
     Error error;
-    if (!transfer(settings, *arguments, true, &last, &error)) {
+    const bool copied = transferContentsOfDirectoryAtPath(fm, source, destination, options, &error);
+    verifier.finish();
+    progress.finish();
+    if (!copied) {
       reportError(outcome, "offload", "copying " + arguments->source, error);
       outcome.code = failureCode(error);
       return outcome;
     }
-    FileManager& fm = FileManager::defaultManager();
-    const String source = String(arguments->source).stringByStandardizingPath();
-    const String destination = String(arguments->destination).stringByStandardizingPath();
-    Progress progress(settings, "verifying");
     std::string manifest;
     std::uint64_t verified = 0;
-    DirectoryEnumerator walk(fm, source);
-    DirectoryItem item;
-    while (walk.nextItem(&item) && !interrupted.load()) {
-      if (item.type != FileType::Regular || item.name == String(u".DS_Store")) continue;
-      auto digest = [&](const String& path) { return utf8(digestOfFileAtPath(path, *algorithm)); };
-      const std::string original = digest(item.path);
-      const std::string copied =
-          digest(destination.stringByAppendingPathComponent(item.relativePath));
-      if (original.empty() || original != copied) {
-        reportError(outcome, "offload", utf8(item.relativePath),
-                    original.empty() ? "cannot be read" : "differs from its copy");
+    for (const Verifier::Result& result : verifier.results()) {
+      if (!result.matches) {
+        reportError(outcome, "offload", utf8(result.relativePath),
+                    result.readable ? "differs from its copy" : "cannot be read");
         continue;
       }
-      manifest += original + "  " + utf8(item.relativePath) + '\n';
-      progress.update(++verified, last.itemsTotal, 0, 0);
-    }
-    progress.finish();
-    if (interrupted.load()) {
-      reportError(outcome, "offload", "verifying", std::string("cancelled"));
-      outcome.code = kCancelled;
-      return outcome;
+      ++verified;
+      manifest += result.digest + "  " + utf8(result.relativePath) + '\n';
     }
     const String manifestPath = destination.stringByAppendingPathComponent(
         String("offload.").stringByAppendingString(String(digestName(*algorithm))));

@@ -30,10 +30,14 @@ std::string hexOf(const unsigned char* bytes, std::size_t length) {
 
 const char* digestName(DigestAlgorithm algorithm) {
   switch (algorithm) {
-    case DigestAlgorithm::MD5: return "md5";
-    case DigestAlgorithm::SHA1: return "sha1";
-    case DigestAlgorithm::XXH64: return "xxh64";
-    case DigestAlgorithm::XXH128: return "xxh128";
+    case DigestAlgorithm::MD5:
+      return "md5";
+    case DigestAlgorithm::SHA1:
+      return "sha1";
+    case DigestAlgorithm::XXH64:
+      return "xxh64";
+    case DigestAlgorithm::XXH128:
+      return "xxh128";
   }
   return "md5";
 }
@@ -44,7 +48,8 @@ StreamingDigest::StreamingDigest(DigestAlgorithm algorithm) : state_(std::make_u
     case DigestAlgorithm::MD5:
     case DigestAlgorithm::SHA1:
       state_->evp = EVP_MD_CTX_new();
-      EVP_DigestInit_ex(state_->evp, algorithm == DigestAlgorithm::MD5 ? EVP_md5() : EVP_sha1(), nullptr);
+      EVP_DigestInit_ex(state_->evp, algorithm == DigestAlgorithm::MD5 ? EVP_md5() : EVP_sha1(),
+                        nullptr);
       break;
     case DigestAlgorithm::XXH64:
       state_->xxh64 = XXH64_createState();

@@ -132,7 +132,8 @@ KUZipPackedEntry KUZipArchive::packFile(const String& path, int level) {
   if (::fstat(::fileno(file), &info) == 0 && S_ISREG(info.st_mode) &&
       static_cast<std::uint64_t>(info.st_size) <= kWholeLimit) {
     std::vector<std::uint8_t> bytes;
-    entry.packed = packOpenFile(file, static_cast<std::uint64_t>(info.st_size), level, bytes, &entry);
+    entry.packed =
+        packOpenFile(file, static_cast<std::uint64_t>(info.st_size), level, bytes, &entry);
   }
   entry.readable = true;
   ::fclose(file);
