@@ -184,6 +184,19 @@ TEST(TarnvikTool, SmallChores) {
   ASSERT_FALSE(volumes.empty());
   EXPECT_EQ(volumes[0]["path"], "/");
   EXPECT_EQ(tarnvik(dir.path(), "time 5400").out, "1:30:00 h\n");
+  const auto time =
+      nlohmann::json::parse(tarnvik(dir.path(), "--json time 90 --date 1700000000.5 --fps 25").out);
+  EXPECT_EQ(time["duration"], "1:30 min");
+  EXPECT_TRUE(time["timecode"].get<std::string>().ends_with(":20.12")) << time;
+  // copy --dry-run names each file and what would happen to it, and changes nothing.
+  dir.write("from/a.mov", "a");
+  dir.write("from/b.mov", "b");
+  dir.write("to/a.mov", "old");
+  const auto plan = nlohmann::json::parse(tarnvik(dir.path(), "--json copy from to --dry-run").out);
+  EXPECT_EQ(plan["ok"], false);  // a.mov conflicts
+  EXPECT_EQ(plan["items"].size(), 2u);
+  EXPECT_EQ(tarnvik(dir.path(), "copy from to --dry-run --skip-existing").code, 0);
+  EXPECT_FALSE(std::filesystem::exists(dir.path() / "to/b.mov"));
 }
 
 TEST(TarnvikTool, ScanCountsMediaClasses) {

@@ -210,6 +210,7 @@ Runner addTimeCommand(CLI::App& app, const Settings& settings) {
   struct Arguments {
     double seconds = 0;
     double date = -1;
+    float fps = 0;
   };
   auto arguments = std::make_shared<Arguments>();
   CLI::App* command =
@@ -218,6 +219,7 @@ Runner addTimeCommand(CLI::App& app, const Settings& settings) {
                          "Example: tarnvik time 5400 --date 1700000000");
   command->add_option("SECONDS", arguments->seconds, "A duration in seconds")->required();
   command->add_option("--date", arguments->date, "A date as seconds since 1970");
+  command->add_option("--fps", arguments->fps, "Frames per second for the date's timecode");
   return [=, &settings] {
     Outcome outcome;
     const std::string duration =
@@ -229,6 +231,12 @@ Runner addTimeCommand(CLI::App& app, const Settings& settings) {
           utf8(humanReadableString(Date::dateWithTimeIntervalSince1970(arguments->date)));
       outcome.document["date"] = date;
       if (!settings.json) std::cout << date << '\n';
+      if (arguments->fps > 0) {
+        const std::string timecode = utf8(timecodeStringWithDate(
+            Date::dateWithTimeIntervalSince1970(arguments->date), arguments->fps));
+        outcome.document["timecode"] = timecode;
+        if (!settings.json) std::cout << timecode << '\n';
+      }
     }
     return outcome;
   };
