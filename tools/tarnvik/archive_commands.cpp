@@ -1,6 +1,5 @@
 // zip and unzip through the zip facade; unzip is hardened unless --unsafe-compatible.
 #include <algorithm>
-#include <atomic>
 #include <iostream>
 #include <thread>
 #include <vector>
@@ -65,16 +64,9 @@ Runner addZipCommand(CLI::App& app, const Settings& settings) {
     for (std::size_t first = 0; first < files.size() && !interrupted.load(); first += batch) {
       const std::size_t count = std::min(batch, files.size() - first);
       std::vector<KUZipPackedEntry> packed(count);
-      std::atomic<std::size_t> next{0};
-      auto work = [&] {
-        for (std::size_t i = next++; i < count; i = next++) {
-          packed[i] = KUZipArchive::packFile(files[first + i].first, level);
-        }
-      };
-      std::vector<std::thread> workers;
-      for (std::size_t c = 1; c < std::min(cores, count); ++c) workers.emplace_back(work);
-      work();
-      for (std::thread& worker : workers) worker.join();
+      onEveryCore(count, [&](std::size_t i) {
+        packed[i] = KUZipArchive::packFile(files[first + i].first, level);
+      });
       for (std::size_t i = 0; i < count; ++i) {
         const auto& [path, name] = files[first + i];
         bool added = false;

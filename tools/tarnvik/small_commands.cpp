@@ -1,9 +1,7 @@
 // hash (md5sum, sha1sum and xxhsum output, and their -c check) and name (clip counters).
 #include <algorithm>
-#include <atomic>
 #include <fstream>
 #include <iostream>
-#include <thread>
 #include <vector>
 
 #include "tarnvik/codec/stream_digests.hpp"
@@ -33,18 +31,9 @@ DigestAlgorithm manifestAlgorithm(const std::string& path, std::size_t digestLen
 std::vector<std::string> digestsOf(const std::vector<std::string>& files,
                                    const std::vector<DigestAlgorithm>& algorithms) {
   std::vector<std::string> digests(files.size());
-  std::atomic<std::size_t> next{0};
-  auto work = [&] {
-    for (std::size_t i = next++; i < files.size() && !interrupted.load(); i = next++) {
-      digests[i] = utf8(digestOfFileAtPath(String(files[i]), algorithms[i]));
-    }
-  };
-  const unsigned cores = std::max(1u, std::min<unsigned>(std::thread::hardware_concurrency(),
-                                                         static_cast<unsigned>(files.size())));
-  std::vector<std::thread> workers;
-  for (unsigned c = 1; c < cores; ++c) workers.emplace_back(work);
-  work();
-  for (std::thread& worker : workers) worker.join();
+  onEveryCore(files.size(), [&](std::size_t i) {
+    digests[i] = utf8(digestOfFileAtPath(String(files[i]), algorithms[i]));
+  });
   return digests;
 }
 

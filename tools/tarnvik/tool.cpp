@@ -5,6 +5,8 @@
 
 #include <cstdio>
 #include <iostream>
+#include <thread>
+#include <vector>
 
 namespace tarnvik::tool {
 
@@ -36,6 +38,19 @@ std::shared_ptr<DigestAlgorithm> addDigestFlags(CLI::App* command) {
         std::string("Digest with ") + digestName(value));
   }
   return algorithm;
+}
+
+void onEveryCore(std::size_t count, const std::function<void(std::size_t)>& job) {
+  std::atomic<std::size_t> next{0};
+  auto work = [&] {
+    for (std::size_t i = next++; i < count && !interrupted.load(); i = next++) job(i);
+  };
+  const std::size_t cores =
+      std::min<std::size_t>(std::max(1u, std::thread::hardware_concurrency()), count);
+  std::vector<std::thread> workers;
+  for (std::size_t c = 1; c < cores; ++c) workers.emplace_back(work);
+  work();
+  for (std::thread& worker : workers) worker.join();
 }
 
 std::string utf8(const String& text) { return text.isNil() ? std::string() : text.utf8(); }

@@ -65,6 +65,10 @@ class Progress {
 
 std::string utf8(const String& text);
 
+// Runs job(0) ... job(count - 1) on every core (the calling thread included) and returns
+// when all are done. Stops handing out jobs after Ctrl-C.
+void onEveryCore(std::size_t count, const std::function<void(std::size_t)>& job);
+
 // --md5 (the default), --sha1, --xxh64, --xxh128 on a command; the chosen algorithm.
 std::shared_ptr<DigestAlgorithm> addDigestFlags(CLI::App* command);
 std::string humanBytes(std::uint64_t bytes);

@@ -250,9 +250,7 @@ Runner addOffloadCommand(CLI::App& app, const Settings& settings) {
       last = p;
       if (p.itemsDone > seen) {
         seen = p.itemsDone;
-        FileAttributes attributes;
-        if (fm.attributesOfItemAtPath(p.currentPath, false, &attributes) &&
-            attributes.type == FileType::Regular) {
+        if (p.currentType == FileType::Regular) {
           verifier.add(relativePathFromBaseDirPath(p.currentPath, source));
         }
       }

@@ -41,6 +41,7 @@ class ProgressReporter {
     ++progress_.itemsDone;
     progress_.bytesDone += bytes;
     progress_.currentPath = item.path;
+    progress_.currentType = item.type;
     return report(progress_.itemsDone == progress_.itemsTotal);
   }
   bool finish() { return progress_.itemsDone == progress_.itemsTotal || report(true); }

@@ -39,7 +39,8 @@ struct TransferProgress {
   UInteger itemsTotal = 0;  // files and links in the source (".DS_Store" left out)
   UInteger bytesDone = 0;   // bytes of the regular files among them
   UInteger bytesTotal = 0;
-  String currentPath;  // the source item just handled
+  String currentPath;                      // the source item just handled
+  FileType currentType = FileType::Other;  // what it is itself (a link is a link)
 };
 
 struct TransferOptions {
