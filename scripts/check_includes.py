@@ -20,6 +20,8 @@ FLOORS = {
     "net": 7,
     "codec": 7,
     "time": 7,
+    "runtime": 7,
+    "app": 7,
     "fs": 8,  # uses text (unique names, affixes)
     "zip": 8,
     "": 100,  # tarnvik.hpp, which includes everything

@@ -4,6 +4,7 @@
 //   tarnvik::String next = tarnvik::incrementLastSegment(u"A001C009");  // "A001C010"
 #pragma once
 
+#include "tarnvik/app/application_identity.hpp"
 #include "tarnvik/codec/aes.hpp"
 #include "tarnvik/codec/digests.hpp"
 #include "tarnvik/codec/gzip.hpp"
@@ -25,6 +26,7 @@
 #include "tarnvik/net/url_components.hpp"
 #include "tarnvik/net/url_strings.hpp"
 #include "tarnvik/platform/foundation.hpp"
+#include "tarnvik/runtime/class_registry_queries.hpp"
 #include "tarnvik/text/affixes.hpp"
 #include "tarnvik/text/backup_names.hpp"
 #include "tarnvik/text/formatting.hpp"

@@ -2,8 +2,14 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/wait.h>
 
+#include <cerrno>
+
+#include "support/file_helpers.hpp"
 #include "support/temp_dir.hpp"
+#include "tarnvik/platform/base/file_manager.hpp"
+#include "tarnvik/platform/system/property_list.hpp"
 
 namespace tarnvik {
 namespace {
@@ -77,6 +83,62 @@ TEST(PreferredLanguages, ReadTheEnvironmentInOrder) {
   ScopedEnv all("LC_ALL", "ja_JP.UTF-8@x");
   ScopedEnv lang("LANG", "C");
   EXPECT_EQ(preferredLanguages(), (Array{u"sv", u"de_AT", u"ja_JP"}));
+}
+
+TEST_F(BundleTest, ListsResourcesByTypeAndFindsItsFrameworksFolder) {
+  dir.write("Resources/b.theme", "");
+  dir.write("Resources/a.theme", "");
+  dir.write("Resources/Looks/c.theme", "");
+  dir.write("Resources/notes.txt", "");
+  const std::string resources = (dir.path() / "Resources").string();
+  EXPECT_EQ(bundle.pathsForResourcesOfType(u"theme", String()),
+            (Array{String(resources + "/a.theme"), String(resources + "/b.theme")}));
+  EXPECT_EQ(bundle.pathsForResourcesOfType(u"theme", u"Looks"),
+            (Array{String(resources + "/Looks/c.theme")}));
+  EXPECT_EQ(bundle.pathsForResourcesOfType(String(), String()).count(), 3u);
+  EXPECT_EQ(bundle.pathsForResourcesOfType(u"theme", u"Missing"), Array::array());
+  EXPECT_EQ(bundle.privateFrameworksPath().utf8(), (dir.path() / "Frameworks").string());
+
+  testing::TempDir app;
+  app.write("Clips.app/Contents/Info.plist", kInfoPlist);
+  const Bundle packaged = Bundle::bundleWithPath(String((app.path() / "Clips.app").string()));
+  EXPECT_EQ(packaged.privateFrameworksPath().utf8(),
+            (app.path() / "Clips.app/Contents/Frameworks").string());
+  EXPECT_TRUE(packaged.isEqual(Bundle::bundleWithPath(packaged.bundlePath())));
+  EXPECT_FALSE(packaged.isEqual(bundle));
+}
+
+TEST(PropertyListFiles, ReadDictionariesOnly) {
+  testing::TempDir dir;
+  dir.write("info.plist", kInfoPlist);
+  dir.write("array.plist", "<plist version=\"1.0\"><array><string>a</string></array></plist>");
+  dir.write("text.strings", "\"a\" = \"b\";");
+  const auto at = [&](const char* name) {
+    return dictionaryWithContentsOfFile(String((dir.path() / name).string()));
+  };
+  EXPECT_EQ(at("info.plist").objectForKey(u"CFBundleVersion").asString().utf8(), "42");
+  EXPECT_TRUE(at("array.plist").isNil());
+  EXPECT_TRUE(at("text.strings").isNil()) << "a strings table is not a property list";
+  EXPECT_TRUE(at("missing.plist").isNil());
+  EXPECT_TRUE(dictionaryWithContentsOfFile(String()).isNil());
+}
+
+TEST(Tasks, LaunchWithoutWaitingOrSayWhy) {
+  testing::TempDir dir;
+  const std::string out = (dir.path() / "out").string();
+  const Integer pid = Task::launchedTaskWithLaunchPath(
+      u"/bin/sh", Array{u"-c", u"printf '%s|%s' \"$0\" \"$1\" > \"$2\"", u"clip 1.mov",
+                        Value(Integer(7)), String(out)});
+  ASSERT_GT(pid, 0);
+  int status = 0;
+  ASSERT_EQ(::waitpid(static_cast<pid_t>(pid), &status, 0), pid);
+  EXPECT_EQ(testing::slurp(out), "clip 1.mov|7");
+
+  Error error;
+  EXPECT_EQ(Task::launchedTaskWithLaunchPath(u"/no/such/tool", Array::array(), &error), 0);
+  EXPECT_EQ(error.domain().utf8(), "NSPOSIXErrorDomain");
+  EXPECT_EQ(error.code(), ENOENT);
+  EXPECT_EQ(error.userInfo().objectForKey(NSFilePathErrorKey).asString().utf8(), "/no/such/tool");
 }
 
 TEST(MainBundle, AToolWithoutInfoPlistHasNoIdentifier) {

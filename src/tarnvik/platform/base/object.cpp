@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <mutex>
+#include <unordered_map>
 
 #include "tarnvik/platform/base/internal/message.hpp"
 
@@ -12,6 +13,8 @@ namespace {
 struct Registry {
   std::mutex lock;
   std::vector<const ClassInfo*> classes;
+  // The first class registered under each name.
+  std::unordered_map<String, const ClassInfo*> byName;
 };
 
 Registry& registry() {
@@ -57,6 +60,13 @@ void ClassRegistry::add(const ClassInfo& info) {
   Registry& r = registry();
   std::lock_guard guard(r.lock);
   r.classes.push_back(&info);
+  r.byName.emplace(info.name(), &info);
+}
+
+std::size_t ClassRegistry::count() {
+  Registry& r = registry();
+  std::lock_guard guard(r.lock);
+  return r.classes.size();
 }
 
 std::vector<const ClassInfo*> ClassRegistry::allClasses() {
@@ -68,10 +78,8 @@ std::vector<const ClassInfo*> ClassRegistry::allClasses() {
 const ClassInfo* ClassRegistry::classNamed(const String& name) {
   Registry& r = registry();
   std::lock_guard guard(r.lock);
-  for (const ClassInfo* c : r.classes) {
-    if (c->name() == name) return c;
-  }
-  return nullptr;
+  const auto found = r.byName.find(name);
+  return found == r.byName.end() ? nullptr : found->second;
 }
 
 const ClassInfo& Object::staticClassInfo() {

@@ -89,10 +89,16 @@ class ClassInfo {
 };
 
 // Every registered class, in registration order; safe to use from several threads.
+// Classes register when their program or shared library starts (TARNVIK_DEFINE_CLASS), or
+// at run time by handing add() a ClassInfo that lives as long as the process. A shared
+// library that registers classes must therefore never be unloaded (dlopen it with
+// RTLD_NODELETE, or never dlclose it).
 struct ClassRegistry {
   static void add(const ClassInfo& info);
+  static std::size_t count();
+  // A snapshot: classes registered afterwards do not change it.
   static std::vector<const ClassInfo*> allClasses();
-  // nullptr when no class has the name.
+  // The first class registered under the name; nullptr when none has it.
   static const ClassInfo* classNamed(const String& name);
 };
 

@@ -16,6 +16,7 @@ namespace tarnvik {
 struct BundleStorage {
   std::string path;
   std::string resources;
+  std::string frameworks;
   Dictionary info;
   // Parsed tables by file path; a nil entry records a missing file.
   mutable std::mutex tablesLock;
@@ -61,6 +62,11 @@ std::shared_ptr<const BundleStorage> loadBundle(const String& folder) {
   const String resources = firstExisting(
       {under(folder, {u"Contents", u"Resources"}), under(folder, {u"Resources"})}, true);
   storage->resources = resources.isNil() ? storage->path : resources.utf8();
+  const bool contents = !firstExisting({under(folder, {u"Contents"})}, true).isNil();
+  storage->frameworks =
+      under(folder, contents ? std::initializer_list<const char16_t*>{u"Contents", u"Frameworks"}
+                             : std::initializer_list<const char16_t*>{u"Frameworks"})
+          .utf8();
   const String infoPath =
       firstExisting({under(folder, {u"Info.plist"}), under(folder, {u"Resources", u"Info.plist"}),
                      under(folder, {u"Contents", u"Info.plist"})},
@@ -70,12 +76,8 @@ std::shared_ptr<const BundleStorage> loadBundle(const String& folder) {
   return storage;
 }
 
-String executablePath() {
-  return FileManager::defaultManager().destinationOfSymbolicLinkAtPath(u"/proc/self/exe");
-}
-
 String defaultMainBundleFolder() {
-  const String exe = executablePath();
+  const String exe = ProcessInfo::executablePath();
   const String folder = exe.isEmpty() ? String() : exe.stringByDeletingLastPathComponent();
   const String contents = folder.stringByDeletingLastPathComponent();
   if (folder.lastPathComponent() == String(u"MacOS") &&
@@ -124,6 +126,11 @@ Bundle Bundle::bundleWithPath(const String& path) {
 
 String Bundle::bundlePath() const { return storage_ ? String(storage_->path) : String(); }
 String Bundle::resourcePath() const { return storage_ ? String(storage_->resources) : String(); }
+String Bundle::privateFrameworksPath() const {
+  return storage_ ? String(storage_->frameworks) : String();
+}
+
+std::vector<Bundle> Bundle::allBundles() { return {mainBundle()}; }
 Dictionary Bundle::infoDictionary() const { return storage_ ? storage_->info : Dictionary(); }
 
 Value Bundle::objectForInfoDictionaryKey(const String& key) const {
@@ -141,6 +148,25 @@ String Bundle::pathForResource(const String& name, const String& extension) cons
   if (!extension.isEmpty()) file = message::build(name, u".", extension);
   const String candidate = String(storage_->resources).stringByAppendingPathComponent(file);
   return FileManager::defaultManager().fileExistsAtPath(candidate) ? candidate : String();
+}
+
+Array Bundle::pathsForResourcesOfType(const String& extension, const String& directory) const {
+  Array paths = Array::array();
+  if (!storage_) return paths;
+  String folder(storage_->resources);
+  if (!directory.isEmpty()) folder = folder.stringByAppendingPathComponent(directory);
+  std::vector<DirectoryEntry> entries;
+  if (!FileManager::defaultManager().entriesOfDirectoryAtPath(folder, &entries, nullptr)) {
+    return paths;
+  }
+  for (const DirectoryEntry& entry : entries) {
+    if (entry.type == FileType::Directory) continue;
+    if (extension.isEmpty() || entry.name.pathExtension() == extension) {
+      paths.addObject(folder.stringByAppendingPathComponent(entry.name));
+    }
+  }
+  paths.sortUsingComparator([](const Value& a, const Value& b) { return a.compare(b); });
+  return paths;
 }
 
 Array Bundle::localizations() const {
@@ -214,19 +240,6 @@ Array preferredLanguages() {
     }
   }
   return languages;
-}
-
-String ProcessInfo::processName() {
-  const String exe = executablePath();
-  if (!exe.isEmpty()) return exe.lastPathComponent();
-  return String(program_invocation_short_name);
-}
-
-Integer ProcessInfo::processIdentifier() { return static_cast<Integer>(::getpid()); }
-
-String ProcessInfo::environmentValue(const char* name) {
-  const char* value = std::getenv(name);
-  return value ? String::fromUTF8Lossy(value) : String();
 }
 
 }  // namespace tarnvik

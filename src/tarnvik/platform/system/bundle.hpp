@@ -5,9 +5,13 @@
 //   String text = localizedString(u"Cancel", String(), u"Alerts");
 #pragma once
 
+#include <memory>
+#include <vector>
+
 #include "tarnvik/platform/base/array.hpp"
 #include "tarnvik/platform/base/dictionary.hpp"
 #include "tarnvik/platform/base/string.hpp"
+#include "tarnvik/platform/system/process.hpp"
 
 namespace tarnvik {
 
@@ -15,7 +19,9 @@ struct BundleStorage;
 
 // A bundle is a folder. Its Info.plist is read (XML or binary, through libplist) from
 // the folder itself, Resources/, or Contents/; its resources live in Contents/Resources/,
-// Resources/, or the folder itself, whichever exists first. Localized string tables are
+// Resources/, or the folder itself, whichever exists first; its private frameworks (each a
+// bundle folder, such as "Sparkle.framework") in Contents/Frameworks/ when the bundle has a
+// Contents/ folder, else in Frameworks/. Localized string tables are
 // "<language>.lproj/<Table>.strings" files among the resources, in the text format
 // ("key" = "value";, UTF-8 or UTF-16) or as property lists.
 class Bundle {
@@ -28,16 +34,25 @@ class Bundle {
   static void setMainBundle(const Bundle& bundle);
   // nil when the path is not a folder.
   static Bundle bundleWithPath(const String& path);
+  // The bundles whose code the program runs, frameworks aside. The platform loads no
+  // bundle code of its own, so this is the main bundle.
+  static std::vector<Bundle> allBundles();
 
   bool isNil() const { return !storage_; }
+  // The same folder.
+  bool isEqual(const Bundle& other) const { return bundlePath() == other.bundlePath(); }
   String bundlePath() const;
   String resourcePath() const;
+  String privateFrameworksPath() const;
   Dictionary infoDictionary() const;
   Value objectForInfoDictionaryKey(const String& key) const;
   // CFBundleIdentifier, or nil (the normal case for a command-line tool).
   String bundleIdentifier() const;
   // The path of "<name>.<extension>" among the resources, or nil.
   String pathForResource(const String& name, const String& extension) const;
+  // The paths of the files with the extension (every file for a nil or empty one) among
+  // the resources, or in their subfolder directory when that is given; sorted by name.
+  Array pathsForResourcesOfType(const String& extension, const String& directory) const;
   // The languages that have an .lproj folder, sorted.
   Array localizations() const;
   // The translation of the key in the table ("Localizable" when nil) for the first of
@@ -57,14 +72,5 @@ String localizedString(const String& key, const String& value = String(),
 // list), then LC_ALL, LC_MESSAGES and LANG, each stripped of its encoding and modifier
 // ("de_DE.UTF-8" gives "de_DE"); "C" and "POSIX" count as no choice. Empty when none.
 Array preferredLanguages();
-
-// Facts about the running process.
-struct ProcessInfo {
-  // The executable's file name.
-  static String processName();
-  static Integer processIdentifier();
-  // The value of an environment variable, or nil.
-  static String environmentValue(const char* name);
-};
 
 }  // namespace tarnvik
