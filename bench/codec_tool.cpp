@@ -3,6 +3,9 @@
 //   codec_tool md5|sha1 FILE            prints the digest
 //   codec_tool gzip|gunzip|hexdump FILE OUT
 //   codec_tool aes-enc|aes-dec FILE OUT KEY
+#include <unicode/utf16.h>
+
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -47,8 +50,21 @@ int main(int argc, char** argv) {
   if (job == "aes-enc" && argc > 4) output = AES256EncryptWithKey(input, argv[4]);
   if (job == "aes-dec" && argc > 4) output = AES256DecryptWithKey(input, argv[4]);
   if (job == "hexdump") {
-    const std::string dump = hexBlockWithASCIIStringOfLength(input, 16).utf8();
-    return writeWhole(argv[3], dump) ? 0 : 1;
+    // The dump is written out in UTF-8 a megabyte at a time, as a program that saves it
+    // would, rather than converted whole.
+    const String dump = hexBlockWithASCIIStringOfLength(input, 16);
+    const std::u16string_view units = dump.units();
+    std::FILE* f = std::fopen(argv[3], "wb");
+    if (!f) return 1;
+    bool ok = true;
+    for (std::size_t at = 0; ok && at < units.size();) {
+      std::size_t end = std::min(units.size(), at + (std::size_t{1} << 20));
+      if (end < units.size() && U16_IS_LEAD(units[end - 1])) --end;  // keep a pair whole
+      const std::string chunk = String(units.substr(at, end - at)).utf8();
+      ok = std::fwrite(chunk.data(), 1, chunk.size(), f) == chunk.size();
+      at = end;
+    }
+    return std::fclose(f) == 0 && ok ? 0 : 1;
   }
   if (output.isNil()) return 1;
   return writeWhole(argv[3], output.asStringView()) ? 0 : 1;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
+#include <optional>
 #include <random>
 
 #include "support/temp_dir.hpp"
@@ -74,6 +75,57 @@ TEST(Gzip, AcceptsZlibAndRefusesRawTruncatedOrGarbage) {
   EXPECT_TRUE(gzipUnpackedData(Data::withString(corrupt)).isNil());
   // Whatever follows the first stream is ignored.
   EXPECT_EQ(std::string(gzipUnpackedData(Data::withString(gz + "trailing")).asStringView()), text);
+}
+
+std::string withTrailerByte(std::string member, std::size_t fromEnd, char change) {
+  member[member.size() - fromEnd] ^= change;
+  return member;
+}
+
+// A header checksum (FHCRC): the low 16 bits of the CRC-32 of the header before it.
+std::string withHeaderChecksum(const std::string& member, bool correct) {
+  std::string header = member.substr(0, 10);
+  header[3] |= 0x02;
+  uLong crc = crc32(0, reinterpret_cast<const Bytef*>(header.data()), 10);
+  if (!correct) crc ^= 1;
+  return header + static_cast<char>(crc & 0xFF) + static_cast<char>((crc >> 8) & 0xFF) +
+         member.substr(10);
+}
+
+// The size a trailer states only sizes the output buffer; it never changes the result.
+TEST(Gzip, TrailersAndFollowingMembersDoNotChangeTheResult) {
+  const std::string text = sampleText(70000), other = sampleText(100);
+  const std::string gz = zlibCompress(text, 31), small = zlibCompress(other, 31);
+  const std::string bigger = zlibCompress(sampleText(200000), 31);
+  struct Case {
+    const char* what;
+    std::string input;
+    std::optional<std::string> expected;  // none: nil
+  };
+  const Case cases[] = {
+      {"one member", gz, text},
+      {"a smaller member follows", gz + small, text},
+      {"a larger member follows", gz + bigger, text},
+      {"trailing bytes", gz + "xyz", text},
+      {"empty member", zlibCompress("", 31), ""},
+      {"length one too large", withTrailerByte(gz, 4, 0x01), std::nullopt},
+      {"length one too small", withTrailerByte(gz, 4, 0x02), std::nullopt},
+      {"CRC damaged", withTrailerByte(gz, 8, 0x10), std::nullopt},
+      {"length beyond deflate's reach", withTrailerByte(gz, 1, 0x7F), std::nullopt},
+      {"right header checksum", withHeaderChecksum(gz, true), text},
+      {"wrong header checksum", withHeaderChecksum(gz, false), std::nullopt},
+      {"trailer cut", gz.substr(0, gz.size() - 1), std::nullopt},
+      {"zlib wrapper", zlibCompress(text, 15), text},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    const Data input = Data::withString(c.input);
+    const Data ours = gzipUnpackedData(input);
+    ASSERT_EQ(ours.isNil(), !c.expected.has_value());
+    if (c.expected) {
+      EXPECT_EQ(std::string(ours.asStringView()), *c.expected);
+    }
+  }
 }
 
 TEST(Gzip, InteroperatesWithTheGzipTool) {

@@ -97,6 +97,27 @@ TEST(URLQueries, ParsingWithArrayModes) {
             (Dictionary{{u"näme", u"väl ue"}}));
 }
 
+TEST(URLQueries, NamesMeetByTheirDecodedText) {
+  // An escaped and a plain spelling of one name, and "[]" that only decoding reveals.
+  EXPECT_EQ(
+      URLQueryParametersWithOptions(u"?k=1&%6B=2&k%5B%5D=3&a+b=4&a%20b=5", URLQueryArrayModeAll),
+      (Dictionary{{u"k", Array{u"1", u"2", u"3"}}, {u"a b", Array{u"4", u"5"}}}));
+  // Many names, in order of first appearance, each with all of its values.
+  std::u16string query = u"?";
+  Dictionary expected = Dictionary::dictionary();
+  for (int round = 0; round < 2; ++round) {
+    for (int i = 0; i < 3000; ++i) {
+      const std::u16string name =
+          u"n" + std::u16string(String(std::to_string(i * 7919 % 3000)).units());
+      query += name + u"=" + (round ? u"x" : u"%C3%A9") + u"&";
+      if (round == 0) expected.setObject(Array{u"é", u"x"}, String(name));
+    }
+  }
+  const Dictionary parsed = URLQueryParametersWithOptions(String(query), URLQueryArrayModeAll);
+  EXPECT_EQ(parsed, expected);
+  EXPECT_EQ(parsed.allKeys(), expected.allKeys());
+}
+
 TEST(URLQueries, MergingKeepsTheModeRules) {
   EXPECT_EQ(stringByMergingURLQuery(u"x?a=1", u"a=2").utf8(), "x?a=2");
   EXPECT_EQ(stringByMergingURLQuery(u"x?a=1", u"?a=2", URLQueryArrayModeFirst).utf8(), "x?a=1");

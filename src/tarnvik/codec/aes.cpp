@@ -6,6 +6,8 @@
 #include <climits>
 #include <memory>
 
+#include "tarnvik/platform/base/internal/prefault.hpp"
+
 namespace tarnvik {
 
 namespace {
@@ -30,6 +32,7 @@ Data crypt(const Data& input, const String& key, bool encrypt) {
     return Data();
   }
   ByteBuffer out(input.length() + 16);
+  memory::prefaultForWriting(out.data(), out.size());
   std::size_t produced = 0;
   const std::uint8_t* in = input.bytes();
   for (std::size_t at = 0; at < input.length(); at += kSlice) {

@@ -6,6 +6,8 @@
 #include <climits>
 #include <vector>
 
+#include "tarnvik/platform/base/internal/prefault.hpp"
+
 namespace tarnvik {
 
 namespace {
@@ -72,16 +74,19 @@ Data gzipUnpackedData(const Data& data) {
   // half comes from the low 32 bits of the length.
   const std::size_t half = static_cast<std::uint32_t>(data.length()) >> 1;
   ByteBuffer out(data.length() + half);
-  // A gzip trailer states the unpacked size (modulo 2^32): reserving it spares the copies of
-  // growing. It is only a hint, bounded by deflate's largest ratio, and never changes the
-  // result.
+  // A gzip trailer states the unpacked size (modulo 2^32): starting with room for it (the
+  // bytes are not touched until zlib writes them) spares the copies of growing and lets one
+  // inflate call do the work. It is only a hint, bounded by deflate's largest ratio, and never
+  // changes the result.
   if (data.length() >= kGzipMinimumSize && data.bytes()[0] == kGzipMagic[0] &&
       data.bytes()[1] == kGzipMagic[1]) {
     const std::uint8_t* tail = data.bytes() + data.length() - 4;
     const std::size_t stated =
         tail[0] | tail[1] << 8 | tail[2] << 16 | static_cast<std::size_t>(tail[3]) << 24;
-    if (stated > out.size() && stated / kDeflateMaximumRatio <= data.length())
-      out.reserve(stated + half);
+    if (stated > out.size() && stated / kDeflateMaximumRatio <= data.length()) {
+      out.resize(stated + half);
+      memory::prefaultForWriting(out.data(), stated);
+    }
   }
   z_stream stream{};
   const std::uint8_t* in = data.bytes();

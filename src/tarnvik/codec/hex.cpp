@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tarnvik/core/checks.hpp"
+#include "tarnvik/platform/base/internal/prefault.hpp"
 
 namespace tarnvik {
 
@@ -78,34 +79,41 @@ String hexBlockWithASCIIStringOfLength(const Data& data, std::uint32_t length) {
   const std::uint8_t* bytes = data.bytes();
   const std::size_t total = data.length();
   // Each line: the offset (at least four digits), ": ", three units a byte, " ", one unit a
-  // byte and "\n". The text is sized once and filled in place.
+  // byte and "\n". The text's room is reserved once; each line is put together in a small
+  // buffer that stays in the cache and appended, so the big text is written exactly once.
   std::size_t size = 0;
   for (std::size_t at = 0; at < total; at += length) {
     const std::size_t count = at + length > total ? total % length : length;
     size += offsetWidth(at) + 4 + 4 * count;
   }
-  std::u16string out(size, u' ');
-  char16_t* w = out.data();
+  std::u16string out;
+  out.reserve(size);
+  memory::prefaultForWriting(out.data(), size * sizeof(char16_t));
+  std::u16string line;
   for (std::size_t at = 0; at < total; at += length) {
     const std::size_t count = at + length > total ? total % length : length;
     const std::size_t width = offsetWidth(at);
+    line.resize(width + 4 + 4 * count);
+    char16_t* w = line.data();
     for (std::size_t i = width, rest = at; i-- > 0; rest /= 10)
       w[i] = static_cast<char16_t>(u'0' + rest % 10);
     w += width;
     *w++ = u':';
-    ++w;
+    *w++ = u' ';
     for (std::size_t i = 0; i < count; ++i) {
       const std::uint8_t b = bytes[at + i];
       w[0] = kUpper[b >> 4];
       w[1] = kUpper[b & 15];
-      w += 3;  // the blank is already there
+      w[2] = u' ';
+      w += 3;
     }
-    ++w;
+    *w++ = u' ';
     for (std::size_t i = 0; i < count; ++i) {
       const std::uint8_t b = bytes[at + i];
       *w++ = b >= 32 && b <= 127 ? static_cast<char16_t>(b) : u'.';
     }
     *w++ = u'\n';
+    out.append(line);
   }
   return String(std::move(out));
 }

@@ -1,6 +1,8 @@
 #include "tarnvik/net/url_strings.hpp"
 
-#include <unordered_map>
+#include <algorithm>
+#include <deque>
+#include <string_view>
 #include <vector>
 
 #include "tarnvik/core/checks.hpp"
@@ -99,13 +101,14 @@ String stringByDeletingURLPathExtension(const String& url) {
 }
 
 Range rangeOfURLQuery(const String& url) {
-  const Range hash = url.rangeOfString(u"#");
-  const UInteger end = hash.location == NSNotFound ? url.length() : hash.location;
-  const Range question = url.rangeOfString(u"?");
+  // Literal searches for single units, straight on the units.
+  const std::u16string_view units = url.units();
+  const std::size_t hash = units.find(u'#');
+  const UInteger end = hash == std::u16string_view::npos ? url.length() : hash;
+  const std::size_t question = units.find(u'?');
   // A "?" inside the fragment belongs to the fragment.
-  if (question.location != NSNotFound && question.location <= end)
-    return {question.location, end - question.location};
-  if (url.rangeOfString(u"=", 0, {0, end}).location != NSNotFound) return {0, end};
+  if (question != std::u16string_view::npos && question <= end) return {question, end - question};
+  if (units.substr(0, end).find(u'=') != std::u16string_view::npos) return {0, end};
   return {NSNotFound, 0};
 }
 
@@ -168,37 +171,59 @@ Dictionary URLQueryParametersWithOptions(const String& url, UInteger options) {
   const String query = URLQuery(url);
   if (query.isNil()) return Dictionary::dictionary();
   // Collected by name first, in order of first appearance, then turned into the dictionary.
+  // Names are looked up as views: into the query itself when they have no escapes (the
+  // usual case), else into decoded copies whose addresses never move.
   struct Entry {
-    std::u16string name;
+    std::u16string_view name;
     bool isArray = false;
-    std::vector<String> values;
+    std::vector<Value> values;
   };
-  std::vector<Entry> entries;
-  std::unordered_map<std::u16string, std::size_t> positions;
   const std::u16string_view all = query.units();
+  const std::size_t pairs = static_cast<std::size_t>(std::count(all.begin(), all.end(), u'&')) + 1;
+  std::vector<Entry> entries;
+  entries.reserve(pairs);
+  // An open-addressing table of entry numbers (plus one; 0 marks a free slot), at most half
+  // full, so that a lookup costs one hash and usually one comparison.
+  std::size_t slotCount = 16;
+  while (slotCount < 2 * pairs) slotCount *= 2;
+  std::vector<std::uint32_t> slots(slotCount, 0);
+  const auto slotOf = [&](std::u16string_view key) -> std::uint32_t& {
+    std::size_t at = std::hash<std::u16string_view>{}(key) & (slotCount - 1);
+    while (slots[at] != 0 && entries[slots[at] - 1].name != key) at = (at + 1) & (slotCount - 1);
+    return slots[at];
+  };
+  std::deque<std::u16string> decodedNames;
+  std::u16string name, valueUnits;
   for (std::size_t start = 0; start <= all.size();) {
     const std::size_t end = std::min(all.find(u'&', start), all.size());
     const std::u16string_view part = all.substr(start, end - start);
     start = end + 1;
     const std::size_t equals = part.find(u'=');
     if (equals == std::u16string_view::npos) continue;
+    const std::u16string_view rawName = part.substr(0, equals);
     const std::u16string_view rest = part.substr(equals + 1);
-    std::u16string name, valueUnits;
     // Escapes that are not UTF-8 make no parameter; text after a second "=" is dropped.
-    if (!decodePercentEscapes(part.substr(0, equals), true, name) ||
+    const bool plainName = rawName.find_first_of(u"%+") == std::u16string_view::npos;
+    name.clear();
+    valueUnits.clear();
+    if ((!plainName && !decodePercentEscapes(rawName, true, name)) ||
         !decodePercentEscapes(rest.substr(0, rest.find(u'=')), true, valueUnits)) {
       continue;
     }
-    const bool arraySyntax = name.ends_with(u"[]");
-    if (arraySyntax) name.erase(name.end() - 2, name.end());
-    String value(std::move(valueUnits));
-    const auto [found, isNew] = positions.try_emplace(name, entries.size());
-    if (isNew) {
+    std::u16string_view key = plainName ? rawName : std::u16string_view(name);
+    const bool arraySyntax = key.ends_with(u"[]");
+    if (arraySyntax) key.remove_suffix(2);
+    Value value{String(std::u16string_view(valueUnits))};
+    std::uint32_t& slot = slotOf(key);
+    if (slot == 0) {
+      if (!plainName) key = decodedNames.emplace_back(key);
+      slot = static_cast<std::uint32_t>(entries.size() + 1);
       const bool asArray = mode == 4 || (arraySyntax && (mode == 3 || mode >= 5));
-      entries.push_back({std::move(name), asArray, {std::move(value)}});
+      entries.push_back({key, asArray, {}});
+      entries.back().values.push_back(std::move(value));
       continue;
     }
-    Entry& entry = entries[found->second];
+    Entry& entry = entries[slot - 1];
     if (entry.isArray) {
       entry.values.push_back(std::move(value));
     } else if (mode == 1) {
@@ -210,12 +235,11 @@ Dictionary URLQueryParametersWithOptions(const String& url, UInteger options) {
   }
   Dictionary parameters = Dictionary::dictionaryWithCapacity(entries.size());
   for (Entry& entry : entries) {
-    String name(std::move(entry.name));
+    const String name(entry.name);
     if (!entry.isArray) {
       parameters.setObject(entry.values[0], name);
     } else {
-      parameters.setObject(Array(std::vector<Value>(entry.values.begin(), entry.values.end())),
-                           name);
+      parameters.setObject(Array(std::move(entry.values)), name);
     }
   }
   return parameters;

@@ -83,6 +83,13 @@ TEST(PercentEncoding, AllowedSetsAndDecoding) {
   for (const char16_t* bad : {u"%", u"%2", u"%zz", u"%C3", u"%FF"}) {
     EXPECT_TRUE(stringByRemovingPercentEncoding(bad).isNil()) << String(bad).utf8();
   }
+  // A run of escapes longer than any fixed buffer, ending in a character outside the BMP.
+  std::u16string run;
+  std::string expected;
+  for (int i = 0; i < 400; ++i) run += u"%C3%A9", expected += "é";
+  EXPECT_EQ(stringByRemovingPercentEncoding(String(run + u"%F0%9F%8E%AC!")).utf8(),
+            expected + "\U0001F3AC!");
+  EXPECT_TRUE(stringByRemovingPercentEncoding(String(run + u"%C3")).isNil());
 }
 
 // RFC 4648, section 10.

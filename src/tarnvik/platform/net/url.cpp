@@ -328,37 +328,58 @@ String stringByRemovingPercentEncoding(const String& text) {
 }
 
 bool decodePercentEscapes(std::u16string_view units, bool plusAsSpace, std::u16string& out) {
-  out.reserve(out.size() + units.size());
-  std::string bytes;
+  // Decoding never lengthens: an escape takes three units for one byte, and UTF-8 needs at
+  // least as many bytes as UTF-16 needs units. So the output is written through a pointer
+  // into room made once, and cut to length at the end.
+  const std::size_t base = out.size();
+  out.resize(base + units.size());
+  char16_t* write = out.data() + base;
+  std::uint8_t stackBytes[256];
+  std::string heapBytes;
   for (std::size_t i = 0; i < units.size();) {
-    if (units[i] != u'%') {
-      out.push_back(plusAsSpace && units[i] == u'+' ? u' ' : units[i]);
+    const char16_t unit = units[i];
+    if (unit != u'%') {
+      *write++ = plusAsSpace && unit == u'+' ? u' ' : unit;
       ++i;
       continue;
     }
     // A run of escapes is decoded as one piece of UTF-8.
-    bytes.clear();
-    while (i < units.size() && units[i] == u'%') {
-      if (i + 2 >= units.size()) return false;
-      const int high = hexDigitValue(units[i + 1]), low = hexDigitValue(units[i + 2]);
-      if (high < 0 || low < 0) return false;
-      bytes.push_back(static_cast<char>(high << 4 | low));
-      i += 3;
+    std::size_t count = 0;
+    for (std::size_t j = i; j < units.size() && units[j] == u'%'; j += 3) ++count;
+    std::uint8_t* bytes = stackBytes;
+    if (count > sizeof stackBytes) {
+      heapBytes.resize(count);
+      bytes = reinterpret_cast<std::uint8_t*>(heapBytes.data());
     }
-    const auto* data = reinterpret_cast<const std::uint8_t*>(bytes.data());
-    const auto length = static_cast<std::int32_t>(bytes.size());
+    for (std::size_t k = 0; k < count; ++k, i += 3) {
+      if (i + 2 >= units.size()) {
+        out.resize(base);
+        return false;
+      }
+      const int high = hexDigitValue(units[i + 1]), low = hexDigitValue(units[i + 2]);
+      if (high < 0 || low < 0) {
+        out.resize(base);
+        return false;
+      }
+      bytes[k] = static_cast<std::uint8_t>(high << 4 | low);
+    }
+    const auto length = static_cast<std::int32_t>(count);
     for (std::int32_t at = 0; at < length;) {
       UChar32 c;
-      U8_NEXT(data, at, length, c);
-      if (c < 0) return false;
+      U8_NEXT(bytes, at, length, c);
+      if (c < 0) {
+        out.resize(base);
+        return false;
+      }
       if (c <= 0xFFFF) {
-        out.push_back(static_cast<char16_t>(c));
+        *write++ = static_cast<char16_t>(c);
       } else {
-        out.push_back(static_cast<char16_t>(U16_LEAD(c)));
-        out.push_back(static_cast<char16_t>(U16_TRAIL(c)));
+        *write++ = static_cast<char16_t>(U16_LEAD(c));
+        *write++ = static_cast<char16_t>(U16_TRAIL(c));
       }
     }
   }
+  out.resize(static_cast<std::size_t>(write - out.data()));
   return true;
 }
 
