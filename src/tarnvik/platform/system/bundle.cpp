@@ -1,8 +1,6 @@
 #include "tarnvik/platform/system/bundle.hpp"
 
-#include <unistd.h>
 
-#include <cerrno>
 #include <cstdlib>
 #include <map>
 #include <mutex>
