@@ -1,6 +1,5 @@
 #include "tarnvik/platform/system/bundle.hpp"
 
-
 #include <cstdlib>
 #include <map>
 #include <mutex>
