@@ -155,6 +155,59 @@ TEST(FileErrors, CodesFollowTheOperationAndThePosixError) {
   }
 }
 
+TEST(FileErrors, DescriptionsNameTheFileAndTheCause) {
+  testing::TempDir dir;
+  const String folder(dir.path().string());
+  FileManager& fm = FileManager::defaultManager();
+  Error error;
+  EXPECT_TRUE(
+      fm.contentsAtPath(folder.stringByAppendingPathComponent(u"clip.mov"), 0, &error).isNil());
+  EXPECT_EQ(error.localizedDescription().utf8(),
+            "The file “clip.mov” couldn’t be opened because there is no such file.");
+  dir.write("card/A001.mov", "x");
+  EXPECT_FALSE(fm.createDirectoryAtPath(folder.stringByAppendingPathComponent(u"card/A001.mov/x"),
+                                        false, &error));
+  EXPECT_EQ(error.localizedDescription().utf8(),
+            "“x” couldn’t be created because a part of its path is not a folder.");
+
+  struct Row {
+    FileOperation operation;
+    int posixError;
+    const char* text;
+  };
+  const Row rows[] = {
+      {FileOperation::Read, EACCES,
+       "The file “clip.mov” couldn’t be opened because you don’t have permission to view it."},
+      {FileOperation::Read, EISDIR,
+       "The file “clip.mov” couldn’t be opened because it is a folder."},
+      {FileOperation::Read, ELOOP,
+       "The file “clip.mov” couldn’t be opened because there are too many symbolic links in its "
+       "path."},
+      {FileOperation::Write, ENOSPC,
+       "The file “clip.mov” couldn’t be saved because there isn’t enough space."},
+      {FileOperation::Write, EROFS,
+       "The file “clip.mov” couldn’t be saved because the volume is read only."},
+      {FileOperation::Copy, EEXIST,
+       "“clip.mov” couldn’t be copied because an item with the same name already exists."},
+      {FileOperation::Remove, EPERM,
+       "“clip.mov” couldn’t be removed because you don’t have permission to access it."},
+      {FileOperation::Link, EMLINK,
+       "“clip.mov” couldn’t be linked because there are too many "
+       "links to it."},
+      {FileOperation::Read, EIO, "The file “clip.mov” couldn’t be opened. Input/output error."},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(FileManager::errorFor(row.operation, u"/Volumes/A/clip.mov", row.posixError)
+                  .localizedDescription()
+                  .utf8(),
+              row.text);
+  }
+  // Without a path there is nothing to name: the generic text with the code.
+  EXPECT_EQ(
+      FileManager::errorFor(FileOperation::Read, String(), ENOENT).localizedDescription().utf8(),
+      "The operation couldn’t be completed. (NSCocoaErrorDomain error 260.)");
+}
+
 TEST(WellKnownFolders, FollowTheEnvironment) {
   FileManager& fm = FileManager::defaultManager();
   const std::string saved = std::getenv("HOME") ? std::getenv("HOME") : "";

@@ -48,58 +48,6 @@ FileType typeOf(mode_t mode) {
   return FileType::Other;
 }
 
-Integer readCode(int posixError) {
-  switch (posixError) {
-    case ENOENT:
-    case ENOTDIR:
-      return NSFileReadNoSuchFileError;
-    case EACCES:
-    case EPERM:
-      return NSFileReadNoPermissionError;
-    case ENAMETOOLONG:
-      return NSFileReadInvalidFileNameError;
-    case EFBIG:
-    case EOVERFLOW:
-      return NSFileReadTooLargeError;
-    default:
-      return NSFileReadUnknownError;
-  }
-}
-
-Integer writeCode(int posixError) {
-  switch (posixError) {
-    case ENOSPC:
-      return NSFileWriteOutOfSpaceError;
-    case EACCES:
-    case EPERM:
-      return NSFileWriteNoPermissionError;
-    default:
-      return NSFileWriteUnknownError;
-  }
-}
-
-Integer changeCode(int posixError) {
-  switch (posixError) {
-    case ENOENT:
-      return NSFileNoSuchFileError;
-    case EEXIST:
-    case ENOTEMPTY:
-      return NSFileWriteFileExistsError;
-    case EACCES:
-    case EPERM:
-      return NSFileWriteNoPermissionError;
-    case ENOSPC:
-    case EDQUOT:
-      return NSFileWriteOutOfSpaceError;
-    case EROFS:
-      return NSFileWriteVolumeReadOnlyError;
-    case ENAMETOOLONG:
-      return NSFileWriteInvalidFileNameError;
-    default:
-      return NSFileWriteUnknownError;
-  }
-}
-
 std::string environment(const char* name) {
   const char* value = std::getenv(name);
   return value ? std::string(value) : std::string();
@@ -132,18 +80,6 @@ int FileHandle::release() {
 FileManager& FileManager::defaultManager() {
   static FileManager manager;
   return manager;
-}
-
-Error FileManager::errorFor(FileOperation operation, const String& path, int posixError) {
-  const Error posix(NSPOSIXErrorDomain, posixError,
-                    Dictionary{{NSLocalizedDescriptionKey, String(std::strerror(posixError))}});
-  const Integer code = operation == FileOperation::Read    ? readCode(posixError)
-                       : operation == FileOperation::Write ? writeCode(posixError)
-                                                           : changeCode(posixError);
-  if (path.isNil())
-    return Error(NSCocoaErrorDomain, code, Dictionary{{NSUnderlyingErrorKey, posix}});
-  return Error(NSCocoaErrorDomain, code,
-               Dictionary{{NSFilePathErrorKey, path}, {NSUnderlyingErrorKey, posix}});
 }
 
 bool FileManager::attributesOfItemAtPath(const String& path, bool followLinks, FileAttributes* out,
