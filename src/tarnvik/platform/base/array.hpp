@@ -5,9 +5,13 @@
 //   clips.componentsJoinedByString(u", ");  // "A001C001.mov, A001C002.mov"
 #pragma once
 
+#include <concepts>
 #include <functional>
 #include <initializer_list>
 #include <memory>
+#include <ranges>
+#include <string>
+#include <type_traits>
 #include <vector>
 
 #include "tarnvik/platform/base/value.hpp"
@@ -16,13 +20,26 @@ namespace tarnvik {
 
 using Comparator = std::function<ComparisonResult(const Value&, const Value&)>;
 
-// A default-constructed Array is nil; Array::array() and Array{} are empty. Index
-// errors raise NSRangeException; inserting nil raises NSInvalidArgumentException.
+// Anything whose elements convert to Value: std::vector<String>, std::list<int>, a view.
+template <class R>
+concept ValueRange =
+    std::ranges::input_range<R> && std::convertible_to<std::ranges::range_reference_t<R>, Value>;
+
+// A default-constructed Array is nil, and so is Array{} (empty braces pick the default
+// constructor); Array::array() is empty. Index errors raise NSRangeException; inserting nil
+// raises NSInvalidArgumentException.
 class Array {
  public:
   Array() = default;
   Array(std::initializer_list<Value> values);
   explicit Array(std::vector<Value> values);
+  // The range's elements in order, each made a Value.
+  template <ValueRange R>
+  requires(!std::same_as<std::remove_cvref_t<R>, Array> &&
+           !std::same_as<std::remove_cvref_t<R>, std::vector<Value>>) explicit Array(R&& range)
+      : Array(array()) {
+    for (auto&& element : range) addObject(Value(element));
+  }
   static Array array();
   static Array arrayWithCapacity(UInteger capacity);
 
@@ -32,6 +49,11 @@ class Array {
   const std::vector<Value>& values() const;
   std::vector<Value>::const_iterator begin() const { return values().begin(); }
   std::vector<Value>::const_iterator end() const { return values().end(); }
+  UInteger size() const { return count(); }
+  // The elements as standard values: T is Value, String, std::string (UTF-8), bool, or an
+  // integer or floating-point type, read as Value reads them (a missing number is 0).
+  template <class T>
+  std::vector<T> toVector() const;
 
   const Value& objectAtIndex(UInteger index) const;
   const Value& operator[](UInteger index) const { return objectAtIndex(index); }
@@ -87,5 +109,28 @@ class Array {
 };
 
 using MutableArray = Array;
+
+template <class T>
+std::vector<T> Array::toVector() const {
+  std::vector<T> out;
+  out.reserve(count());
+  for (const Value& value : *this) {
+    if constexpr (std::is_same_v<T, Value>) {
+      out.push_back(value);
+    } else if constexpr (std::is_same_v<T, String>) {
+      out.push_back(value.asString());
+    } else if constexpr (std::is_same_v<T, std::string>) {
+      out.push_back(value.asString().utf8());
+    } else if constexpr (std::is_same_v<T, bool>) {
+      out.push_back(value.boolValue());
+    } else if constexpr (std::is_integral_v<T>) {
+      out.push_back(static_cast<T>(value.integerValue()));
+    } else {
+      static_assert(std::is_floating_point_v<T>, "toVector<T>: T must be a Value, text or number");
+      out.push_back(static_cast<T>(value.doubleValue()));
+    }
+  }
+  return out;
+}
 
 }  // namespace tarnvik

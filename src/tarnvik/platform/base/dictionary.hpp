@@ -7,6 +7,7 @@
 
 #include <initializer_list>
 #include <memory>
+#include <ranges>
 #include <utility>
 #include <vector>
 
@@ -17,6 +18,15 @@ namespace tarnvik {
 
 struct DictionaryStorage;
 
+// Anything that enumerates key-value pairs convertible to Value: std::map<String, int>,
+// std::vector<std::pair<std::string, double>>, ...
+template <class R>
+concept EntryRange = std::ranges::input_range<R> &&
+    requires(std::ranges::range_reference_t<R> entry) {
+  Value(entry.first);
+  Value(entry.second);
+};
+
 // A default-constructed Dictionary is nil; Dictionary::dictionary() is empty. Keys and
 // objects must not be nil (NSInvalidArgumentException).
 class Dictionary {
@@ -25,6 +35,12 @@ class Dictionary {
 
   Dictionary() = default;
   Dictionary(std::initializer_list<Entry> entries);
+  // The range's pairs in order; a later pair with an equal key replaces the earlier value.
+  template <EntryRange R>
+  requires(!std::same_as<std::remove_cvref_t<R>, Dictionary>) explicit Dictionary(R&& range)
+      : Dictionary(dictionary()) {
+    for (auto&& entry : range) setObject(Value(entry.second), Value(entry.first));
+  }
   static Dictionary dictionary();
   static Dictionary dictionaryWithCapacity(UInteger capacity);
 
@@ -35,6 +51,7 @@ class Dictionary {
   const std::vector<Entry>& entries() const;
   std::vector<Entry>::const_iterator begin() const { return entries().begin(); }
   std::vector<Entry>::const_iterator end() const { return entries().end(); }
+  UInteger size() const { return count(); }
 
   // nil when absent.
   Value objectForKey(const Value& key) const;

@@ -25,6 +25,7 @@ class UniqueCollection {
   const std::vector<Value>& values() const;
   std::vector<Value>::const_iterator begin() const { return values().begin(); }
   std::vector<Value>::const_iterator end() const { return values().end(); }
+  UInteger size() const { return count(); }
   bool containsObject(const Value& object) const;
   // The stored member equal to the object, or nil.
   Value member(const Value& object) const;
@@ -57,6 +58,12 @@ class Set : public UniqueCollection {
  public:
   Set() = default;
   Set(std::initializer_list<Value> values) : UniqueCollection(values) {}
+  // The range's distinct elements, each made a Value.
+  template <ValueRange R>
+  requires(!std::derived_from<std::remove_cvref_t<R>, UniqueCollection>) explicit Set(R&& range)
+      : UniqueCollection(true) {
+    for (auto&& element : range) addObject(Value(element));
+  }
   static Set set() { return Set(true); }
   static Set setWithCapacity(UInteger capacity);
   static Set setWithArray(const Array& array);
@@ -86,6 +93,13 @@ class OrderedSet : public UniqueCollection {
  public:
   OrderedSet() = default;
   OrderedSet(std::initializer_list<Value> values) : UniqueCollection(values) {}
+  // The range's distinct elements in order of first appearance, each made a Value.
+  template <ValueRange R>
+  requires(!std::derived_from<std::remove_cvref_t<R>, UniqueCollection>) explicit OrderedSet(
+      R&& range)
+      : UniqueCollection(true) {
+    for (auto&& element : range) addObject(Value(element));
+  }
   static OrderedSet orderedSet() { return OrderedSet(true); }
   static OrderedSet orderedSetWithCapacity(UInteger capacity);
   static OrderedSet orderedSetWithArray(const Array& array);

@@ -57,6 +57,8 @@ String::String(const char* utf8) {
 }
 String::String(const std::string& utf8)
     : storage_(makeStorage(unicode::fromUTF8(utf8, true, nullptr))) {}
+String::String(std::string_view utf8)
+    : storage_(makeStorage(unicode::fromUTF8(utf8, true, nullptr))) {}
 String::String(const char16_t* utf16) {
   if (utf16) storage_ = makeStorage(std::u16string(utf16));
 }

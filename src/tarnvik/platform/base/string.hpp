@@ -5,6 +5,7 @@
 //   Range digits = name.rangeOfString(u"C0");   // {4, 2}
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
@@ -39,6 +40,7 @@ class String {
   String(std::u16string units);       // NOLINT(google-explicit-constructor)
   String(std::u16string_view units);  // NOLINT(google-explicit-constructor)
   String(const std::string& utf8);    // NOLINT(google-explicit-constructor)
+  String(std::string_view utf8);      // NOLINT(google-explicit-constructor)
 
   // Strict UTF-8 decoding: nil when the bytes are not valid UTF-8.
   static String fromUTF8(std::string_view utf8);
@@ -57,6 +59,7 @@ class String {
   }
   // UTF-8; unpaired surrogates become U+FFFD. Empty for nil.
   std::string utf8() const;
+  std::string toStdString() const { return utf8(); }
   bool isIdenticalTo(const String& other) const { return storage_ == other.storage_; }
 
   // Substrings (NSRangeException when outside the receiver). A nil receiver gives nil.
@@ -179,6 +182,14 @@ class String {
   void setString(const String& other);
 
   friend bool operator==(const String& a, const String& b) { return a.isEqualToString(b); }
+  // Literal order of the UTF-16 units, nil first (before empty, as == keeps them apart), so
+  // that String works as a key of std::map and with std::sort. For the platform's orders use
+  // compare().
+  friend std::strong_ordering operator<=>(const String& a, const String& b) {
+    const int order = a.units().compare(b.units());
+    if (order != 0) return order < 0 ? std::strong_ordering::less : std::strong_ordering::greater;
+    return b.isNil() <=> a.isNil();
+  }
 
  private:
   friend class Value;

@@ -130,6 +130,10 @@ static std::size_t hashNumber(const NumberView& n) {
 
 Value::Value(const char* utf8) : Value(String(utf8)) {}
 Value::Value(const char16_t* utf16) : Value(String(utf16)) {}
+Value::Value(const std::string& utf8) : Value(String(utf8)) {}
+Value::Value(std::string_view utf8) : Value(String(utf8)) {}
+Value::Value(const std::u16string& utf16) : Value(String(std::u16string_view(utf16))) {}
+Value::Value(std::u16string_view utf16) : Value(String(utf16)) {}
 Value::Value(const String& s) : Value(fromHandle<Kind::String>(s)) {}
 Value::Value(const Data& d) : Value(fromHandle<Kind::Data>(d)) {}
 Value::Value(const Array& a) : Value(fromHandle<Kind::Array>(a)) {}

@@ -77,10 +77,15 @@ class Value {
       : storage_(std::in_place_index<detail::valueIndex(Kind::UInt)>, u) {}                // NOLINT
   Value(double d) : storage_(std::in_place_index<detail::valueIndex(Kind::Double)>, d) {}  // NOLINT
   Value(float f) : Value(static_cast<double>(f)) {}                                        // NOLINT
+  Value(long double d) : Value(static_cast<double>(d)) {}                                  // NOLINT
   Value(Date date)
       : storage_(std::in_place_index<detail::valueIndex(Kind::Date)>, date) {}  // NOLINT
   Value(const char* utf8);                                                      // NOLINT
   Value(const char16_t* utf16);                                                 // NOLINT
+  Value(const std::string& utf8);                                               // NOLINT
+  Value(std::string_view utf8);                                                 // NOLINT
+  Value(const std::u16string& utf16);                                           // NOLINT
+  Value(std::u16string_view utf16);                                             // NOLINT
   Value(const String& s);                                                       // NOLINT
   Value(const Data& d);                                                         // NOLINT
   Value(const Array& a);                                                        // NOLINT
