@@ -128,6 +128,23 @@ TEST(Gzip, TrailersAndFollowingMembersDoNotChangeTheResult) {
   }
 }
 
+TEST(Gzip, TheErrorFormSaysWhy) {
+  const std::string gz = zlibCompress(sampleText(5000), 31);
+  Error error;
+  EXPECT_FALSE(gzipUnpackedData(Data::withString(gz), &error).isNil());
+  EXPECT_TRUE(error.isNil()) << "no error on success";
+  EXPECT_TRUE(gzipUnpackedData(Data::withString("definitely not gzip"), &error).isNil());
+  EXPECT_EQ(error.code(), 259);
+  EXPECT_EQ(error.localizedFailureReason().utf8(), "zlib: incorrect header check");
+  EXPECT_TRUE(gzipUnpackedData(Data::withString(gz.substr(0, gz.size() / 2)), &error).isNil());
+  EXPECT_EQ(error.localizedFailureReason().utf8(),
+            "The stream ends before its end: the data is cut short.");
+  EXPECT_EQ(error.localizedDescription().utf8(),
+            "The data couldn’t be unpacked because it isn’t a complete gzip or zlib stream.");
+  // The specified form gives the same results.
+  EXPECT_TRUE(gzipUnpackedData(Data::withString(gz.substr(0, 100))).isNil());
+}
+
 TEST(Gzip, InteroperatesWithTheGzipTool) {
   if (!testing::toolAvailable("gzip")) GTEST_SKIP() << "gzip is not installed";
   testing::TempDir dir;

@@ -76,6 +76,25 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(HexParsingNil, NilGivesNil) { EXPECT_TRUE(ke_dataFromHexString(String()).isNil()); }
 
+TEST(HexParsingStrict, NamesTheFirstOffendingCharacter) {
+  Error error;
+  const Data bytes = ke_dataFromHexString(u"0aFF10", &error);
+  ASSERT_FALSE(bytes.isNil());
+  EXPECT_EQ(std::string(bytes.asStringView()), std::string("\x0A\xFF\x10", 3));
+  EXPECT_TRUE(ke_dataFromHexString(u"", &error).isEmpty());
+  EXPECT_TRUE(error.isNil());
+  EXPECT_TRUE(ke_dataFromHexString(u"0az1", &error).isNil());
+  EXPECT_EQ(error.localizedFailureReason().utf8(), "“z” at position 2 is not a hexadecimal digit.");
+  EXPECT_TRUE(ke_dataFromHexString(u"0a\u00e91", &error).isNil());
+  EXPECT_EQ(error.localizedFailureReason().utf8(), "“é” at position 2 is not a hexadecimal digit.");
+  EXPECT_TRUE(ke_dataFromHexString(u"0a1", &error).isNil());
+  EXPECT_EQ(error.localizedFailureReason().utf8(), "It has an odd number of digits (3).");
+  EXPECT_TRUE(ke_dataFromHexString(String(), &error).isNil());
+  // The specified reading of the same texts stays as it was.
+  EXPECT_EQ(ke_dataFromHexString(u"0a1").length(), 1u);
+  EXPECT_EQ(ke_dataFromHexString(u"0az1").length(), 2u);
+}
+
 TEST(NoCopySubdata, ViewsShareTheBytesAndCheckTheRange) {
   const Data data = bytes("0123456789");
   const Data tail = noCopySubdataWithRange(data, {7, 3});

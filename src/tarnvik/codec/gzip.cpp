@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <string>
 #include <vector>
 
 #include "tarnvik/platform/base/internal/prefault.hpp"
@@ -15,6 +16,8 @@ namespace {
 // The version handed to zlib's initialisers, as the library was first built against.
 constexpr const char* kZlibVersion = "1.2.5";
 constexpr std::size_t kPackIncrement = 16384;
+// The platform's code for data that is not in the format it should be (NSCocoaErrorDomain).
+constexpr Integer kCorruptDataError = 259;
 // zlib's window bits: 15 (a 32 KiB window) plus 16 writes a gzip wrapper, plus 32 reads
 // either a zlib or a gzip wrapper, whichever the data has.
 constexpr int kGzipWindowBits = 15 + 16;
@@ -68,7 +71,31 @@ Data gzipPackedData(const Data& data) {
   return Data::withBuffer(std::move(out));
 }
 
-Data gzipUnpackedData(const Data& data) {
+Data gzipUnpackedData(const Data& data) { return gzipUnpackedData(data, nullptr); }
+
+namespace {
+
+// The reason zlib gives for a stream it stopped on, or ours when it gave none.
+void reportUnpackFailure(Error* error, const z_stream& stream, int status) {
+  if (!error) return;
+  String reason;
+  if (stream.msg) {
+    reason = String(std::string("zlib: ") + stream.msg);
+  } else if (status == Z_BUF_ERROR || status == Z_OK) {
+    reason = String(u"The stream ends before its end: the data is cut short.");
+  } else {
+    reason = String("zlib: error " + std::to_string(status));
+  }
+  *error = Error(NSCocoaErrorDomain, kCorruptDataError,
+                 Dictionary{{NSLocalizedDescriptionKey,
+                             u"The data couldn’t be unpacked because it isn’t a complete gzip or "
+                             u"zlib stream."},
+                            {NSLocalizedFailureReasonErrorKey, reason}});
+}
+
+}  // namespace
+
+Data gzipUnpackedData(const Data& data, Error* error) {
   if (data.isEmpty()) return data;
   // The buffer starts at the input's length plus half of it and grows by that half; the
   // half comes from the low 32 bits of the length.
@@ -92,8 +119,10 @@ Data gzipUnpackedData(const Data& data) {
   const std::uint8_t* in = data.bytes();
   stream.next_in = const_cast<Bytef*>(in);
   stream.avail_in = clampChunk(data.length());
-  if (inflateInit2_(&stream, kAutoDetectWindowBits, kZlibVersion,
-                    static_cast<int>(sizeof(z_stream))) != Z_OK) {
+  if (const int started = inflateInit2_(&stream, kAutoDetectWindowBits, kZlibVersion,
+                                        static_cast<int>(sizeof(z_stream)));
+      started != Z_OK) {
+    reportUnpackFailure(error, stream, started);
     return Data();
   }
   std::size_t consumed = 0, produced = 0;
@@ -112,10 +141,14 @@ Data gzipUnpackedData(const Data& data) {
     produced += outBefore - stream.avail_out;
   }
   if (status != Z_STREAM_END) {
+    reportUnpackFailure(error, stream, status);
     inflateEnd(&stream);
     return Data();
   }
-  if (inflateEnd(&stream) != Z_OK) return Data();
+  if (const int ended = inflateEnd(&stream); ended != Z_OK) {
+    reportUnpackFailure(error, stream, ended);
+    return Data();
+  }
   out.resize(produced);
   return Data::withBuffer(std::move(out));
 }

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "tarnvik/platform/base/data.hpp"
+#include "tarnvik/platform/base/error.hpp"
 
 namespace tarnvik {
 
@@ -16,5 +17,8 @@ Data gzipPackedData(const Data& data);
 // deflate data, a truncated or corrupt stream, or one whose output outgrows the buffer
 // rule (see the source).
 Data gzipUnpackedData(const Data& data);
+// The same, and on failure an error (NSCocoaErrorDomain, 259) whose failure reason is
+// zlib's message ("zlib: incorrect header check") or says that the stream is cut short.
+Data gzipUnpackedData(const Data& data, Error* error);
 
 }  // namespace tarnvik

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tarnvik/core/checks.hpp"
+#include "tarnvik/platform/base/internal/message.hpp"
 #include "tarnvik/platform/base/internal/prefault.hpp"
 
 namespace tarnvik {
@@ -135,6 +136,33 @@ Data ke_dataFromHexString(const String& text) {
       // Anything but two hex digits is read exactly as strtol reads it.
       bytes.push_back(static_cast<std::uint8_t>(std::strtol(pair, nullptr, 16) & 0xFF));
     }
+  }
+  return Data::withBuffer(std::move(bytes));
+}
+
+Data ke_dataFromHexString(const String& text, Error* error) {
+  const auto fail = [error](const String& reason) {
+    if (error) {
+      *error = Error(NSCocoaErrorDomain, 2048,  // the platform's code for text it cannot read
+                     Dictionary{{NSLocalizedDescriptionKey,
+                                 u"The text couldn’t be read as hexadecimal bytes."},
+                                {NSLocalizedFailureReasonErrorKey, reason}});
+    }
+    return Data();
+  };
+  if (text.isNil()) return fail(u"There is no text.");
+  const auto units = text.units();
+  if (units.size() % 2 != 0) {
+    return fail(String("It has an odd number of digits (" + std::to_string(units.size()) + ")."));
+  }
+  ByteBuffer bytes(units.size() / 2);
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    const int value = units[i] < 128 ? hexDigitValue(static_cast<unsigned char>(units[i])) : -1;
+    if (value < 0) {
+      return fail(message::build(u"“", String(units.substr(i, 1)), u"” at position ",
+                                 static_cast<Integer>(i), u" is not a hexadecimal digit."));
+    }
+    bytes[i / 2] = static_cast<std::uint8_t>(i % 2 ? bytes[i / 2] | value : value << 4);
   }
   return Data::withBuffer(std::move(bytes));
 }

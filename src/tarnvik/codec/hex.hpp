@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "tarnvik/platform/base/data.hpp"
+#include "tarnvik/platform/base/error.hpp"
 #include "tarnvik/platform/base/string.hpp"
 
 namespace tarnvik {
@@ -28,6 +29,10 @@ String hexBlockWithASCIIStringOfLength(const Data& data, std::uint32_t length);
 // "0x" accepted, an unreadable pair gives 0), one byte per pair; an odd last character is
 // ignored. nil for a nil string; never fails otherwise.
 Data ke_dataFromHexString(const String& text);
+// A strict reading beside it: every character must be a hex digit and their number even;
+// otherwise nil and an error whose failure reason names the first offending character and
+// its position ("“z” at position 3 is not a hexadecimal digit.").
+Data ke_dataFromHexString(const String& text, Error* error);
 // Every byte as two lower-case hex digits, no separators.
 String hexstringWithBytes(const Data& data);
 String hexstringWithBytes(const void* bytes, std::size_t length);
