@@ -25,6 +25,8 @@ class FailingFileManager : public FileManager {
     EntriesOfDirectory,
     CreateDirectory,
     ContentsAtPath,
+    OpenForReading,
+    ReadBytes,
     CreateTemporaryFile,
     OpenForWriting,
     WriteBytes,
@@ -78,6 +80,17 @@ class FailingFileManager : public FileManager {
   Data contentsAtPath(const String& path, UInteger options = 0, Error* error = nullptr) override {
     return unlessFailing(Step::ContentsAtPath, FileOperation::Read, path, error,
                          [&] { return FileManager::contentsAtPath(path, options, error); });
+  }
+  FileHandle openFileForReadingAtPath(const String& path, Error* error = nullptr) override {
+    return unlessFailing(Step::OpenForReading, FileOperation::Read, path, error,
+                         [&] { return FileManager::openFileForReadingAtPath(path, error); });
+  }
+  bool readBytes(FileHandle& file, void* buffer, UInteger capacity, UInteger* bytesRead,
+                 Error* error = nullptr) override {
+    *bytesRead = 0;
+    return unlessFailing(Step::ReadBytes, FileOperation::Read, file.path(), error, [&] {
+      return FileManager::readBytes(file, buffer, capacity, bytesRead, error);
+    });
   }
   FileHandle createTemporaryFileNearPath(const String& path, Error* error = nullptr) override {
     return unlessFailing(Step::CreateTemporaryFile, FileOperation::Write, path, error,

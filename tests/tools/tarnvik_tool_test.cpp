@@ -87,7 +87,7 @@ TEST(TarnvikTool, OffloadVerifiesAndWritesAManifestMd5sumAccepts) {
       << damaged.err;
 }
 
-TEST(TarnvikTool, HashPrintsWhatMd5sumSha1sumAndXxhsumPrint) {
+TEST(TarnvikTool, HashPrintsWhatMd5sumShaSumsAndXxhsumPrint) {
   testing::TempDir dir;
   dir.write("a.mov", "clip");
   dir.write("b.txt", "");
@@ -98,7 +98,8 @@ TEST(TarnvikTool, HashPrintsWhatMd5sumSha1sumAndXxhsumPrint) {
   }
   ASSERT_EQ(testing::sh(dir.path(), "md5sum a.mov b.txt" + many +
                                         " > expected.md5 && sha1sum a.mov > "
-                                        "expected.sha1 && xxhsum -H2 a.mov" +
+                                        "expected.sha1 && sha256sum a.mov > expected.sha256 "
+                                        "&& xxhsum -H2 a.mov" +
                                         many + " > expected.xxh128"),
             0);
   // Hashed on every core, printed in the order given.
@@ -106,6 +107,9 @@ TEST(TarnvikTool, HashPrintsWhatMd5sumSha1sumAndXxhsumPrint) {
             testing::slurp(dir.path() / "expected.md5"));
   EXPECT_EQ(tarnvik(dir.path(), "hash --sha1 a.mov").out,
             testing::slurp(dir.path() / "expected.sha1"));
+  EXPECT_EQ(tarnvik(dir.path(), "hash --sha256 a.mov").out,
+            testing::slurp(dir.path() / "expected.sha256"));
+  EXPECT_EQ(tarnvik(dir.path(), "hash --check expected.sha256").code, 0);
   EXPECT_EQ(tarnvik(dir.path(), "hash --xxh128 a.mov" + many).out,
             testing::slurp(dir.path() / "expected.xxh128"));
   // xxhsum reads the tool's manifests, and the tool reads xxhsum's.
@@ -119,7 +123,8 @@ TEST(TarnvikTool, HashPrintsWhatMd5sumSha1sumAndXxhsumPrint) {
   EXPECT_NE(changed.out.find("c3: FAILED"), std::string::npos);
   const ToolRun missing = tarnvik(dir.path(), "hash none.mov");
   EXPECT_EQ(missing.code, 1);
-  EXPECT_EQ(missing.err, "tarnvik: hash: none.mov: cannot be read\n");
+  EXPECT_EQ(missing.err,
+            "tarnvik: hash: none.mov: No such file or directory (NSCocoaErrorDomain 260)\n");
 }
 
 TEST(TarnvikTool, ZipRoundTripAndARefusedArchive) {

@@ -18,21 +18,28 @@ namespace {
 DigestAlgorithm manifestAlgorithm(const std::string& path, std::size_t digestLength) {
   const std::string extension = utf8(String(path).pathExtension().lowercaseString());
   for (const DigestAlgorithm a : {DigestAlgorithm::MD5, DigestAlgorithm::SHA1,
-                                  DigestAlgorithm::XXH64, DigestAlgorithm::XXH128}) {
+                                  DigestAlgorithm::SHA256, DigestAlgorithm::XXH64,
+                                  DigestAlgorithm::XXH128}) {
     if (extension == digestName(a)) return a;
   }
-  return digestLength == 40   ? DigestAlgorithm::SHA1
+  return digestLength == 64   ? DigestAlgorithm::SHA256
+         : digestLength == 40 ? DigestAlgorithm::SHA1
          : digestLength == 16 ? DigestAlgorithm::XXH64
                               : DigestAlgorithm::MD5;
 }
 
-// The digests of the files, computed on every core, in the files' order ("" for a file that
-// cannot be read).
-std::vector<std::string> digestsOf(const std::vector<std::string>& files,
-                                   const std::vector<DigestAlgorithm>& algorithms) {
-  std::vector<std::string> digests(files.size());
+struct FileDigest {
+  std::string digest;  // "" when the file cannot be read
+  Error error;         // and why
+};
+
+// The digests of the files, computed on every core, in the files' order.
+std::vector<FileDigest> digestsOf(const std::vector<std::string>& files,
+                                  const std::vector<DigestAlgorithm>& algorithms) {
+  std::vector<FileDigest> digests(files.size());
   onEveryCore(files.size(), [&](std::size_t i) {
-    digests[i] = utf8(digestOfFileAtPath(String(files[i]), algorithms[i]));
+    digests[i].digest =
+        utf8(digestOfFileAtPath(String(files[i]), algorithms[i], &digests[i].error));
   });
   return digests;
 }
@@ -47,8 +54,8 @@ Runner addHashCommand(CLI::App& app, const Settings& settings) {
   auto arguments = std::make_shared<Arguments>();
   CLI::App* command = app.add_subcommand(
       "hash",
-      "Digests of files, printed as md5sum, sha1sum or xxhsum print them (files hashed\n"
-      "on every core); --check reads their manifests\n"
+      "Digests of files, printed as md5sum, sha1sum, sha256sum or xxhsum print them\n"
+      "(files hashed on every core); --check reads their manifests\n"
       "Example: tarnvik hash --xxh128 A001C001.mov\n"
       "         cd /srv/Day01 && tarnvik hash --check offload.md5");
   command->add_option("FILE", arguments->files, "Files to hash");
@@ -73,10 +80,10 @@ Runner addHashCommand(CLI::App& app, const Settings& settings) {
         names.push_back(line.substr(gap + 2));
         algorithms.push_back(manifestAlgorithm(arguments->check, gap));
       }
-      const std::vector<std::string> digests = digestsOf(names, algorithms);
+      const std::vector<FileDigest> digests = digestsOf(names, algorithms);
       std::uint64_t failed = 0;
       for (std::size_t i = 0; i < names.size(); ++i) {
-        const bool ok = digests[i] == expected[i];
+        const bool ok = digests[i].digest == expected[i];
         failed += ok ? 0 : 1;
         outcome.document["files"].push_back({{"file", names[i]}, {"ok", ok}});
         if (!settings.json) std::cout << names[i] << (ok ? ": OK" : ": FAILED") << '\n';
@@ -88,16 +95,16 @@ Runner addHashCommand(CLI::App& app, const Settings& settings) {
       }
       return outcome;
     }
-    const std::vector<std::string> digests = digestsOf(
+    const std::vector<FileDigest> digests = digestsOf(
         arguments->files, std::vector<DigestAlgorithm>(arguments->files.size(), *algorithm));
     for (std::size_t i = 0; i < arguments->files.size(); ++i) {
       const std::string& file = arguments->files[i];
-      if (digests[i].empty()) {
-        reportError(outcome, "hash", file, std::string("cannot be read"));
+      if (digests[i].digest.empty()) {
+        reportError(outcome, "hash", file, digests[i].error);
         continue;
       }
-      outcome.document["files"].push_back({{"file", file}, {"digest", digests[i]}});
-      if (!settings.json) std::cout << digests[i] << "  " << file << '\n';
+      outcome.document["files"].push_back({{"file", file}, {"digest", digests[i].digest}});
+      if (!settings.json) std::cout << digests[i].digest << "  " << file << '\n';
     }
     if (interrupted.load()) outcome.code = kCancelled;
     return outcome;

@@ -30,6 +30,7 @@ std::shared_ptr<DigestAlgorithm> addDigestFlags(CLI::App* command) {
   auto algorithm = std::make_shared<DigestAlgorithm>(DigestAlgorithm::MD5);
   const std::pair<const char*, DigestAlgorithm> flags[] = {{"--md5", DigestAlgorithm::MD5},
                                                            {"--sha1", DigestAlgorithm::SHA1},
+                                                           {"--sha256", DigestAlgorithm::SHA256},
                                                            {"--xxh64", DigestAlgorithm::XXH64},
                                                            {"--xxh128", DigestAlgorithm::XXH128}};
   for (const auto& [flag, value] : flags) {
@@ -82,10 +83,16 @@ void reportError(Outcome& outcome, const std::string& command, const std::string
     return;
   }
   const Value reason = error.userInfo().objectForKey(NSLocalizedFailureReasonErrorKey);
-  std::string why =
-      reason.isString() ? reason.asString().utf8() : error.localizedDescription().utf8();
+  const Value path = error.userInfo().objectForKey(NSFilePathErrorKey);
   const Error underlying = error.underlyingError();
-  if (!underlying.isNil()) why += ": " + underlying.localizedDescription().utf8();
+  std::string why;
+  if (path.isString() && path.asString().utf8() == what && !underlying.isNil()) {
+    // The line names the file already: the system's reason is all it needs.
+    why = underlying.localizedDescription().utf8();
+  } else {
+    why = reason.isString() ? reason.asString().utf8() : error.localizedDescription().utf8();
+    if (!underlying.isNil()) why += ": " + underlying.localizedDescription().utf8();
+  }
   why += " (" + utf8(error.domain()) + " " + std::to_string(error.code()) + ")";
   reportError(outcome, command, what, why);
   if (error.code() == NSUserCancelledError) outcome.code = kCancelled;

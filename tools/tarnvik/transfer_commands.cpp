@@ -5,6 +5,7 @@
 #include <cstring>
 #include <deque>
 #include <iostream>
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -173,29 +174,55 @@ class Verifier {
       }
       // The copy is compared byte for byte with its source, and its digest (the bytes being
       // the same) goes into the manifest: one digest per file instead of two.
-      FileManager& fm = FileManager::defaultManager();
-      const Data original = fm.contentsAtPath(source_.stringByAppendingPathComponent(relative),
-                                              NSDataReadingMappedIfSafe);
-      const Data copied =
-          original.isNil()
-              ? Data()
-              : fm.contentsAtPath(destination_.stringByAppendingPathComponent(relative),
-                                  NSDataReadingMappedIfSafe);
-      const bool same = !copied.isNil() && copied.length() == original.length() &&
-                        (copied.length() == 0 ||
-                         std::memcmp(copied.bytes(), original.bytes(), copied.length()) == 0);
+      bool readable = false;
       std::string digest;
-      if (same) {
-        StreamingDigest hasher(algorithm_);
-        hasher.update(copied.bytes(), copied.length());
-        digest = hasher.hexDigest();
-      }
+      const bool same = compareAndDigest(relative, &readable, &digest);
       std::lock_guard lock(mutex_);
       Result& result = results_[index];
-      result.readable = !original.isNil();
+      result.readable = readable;
       result.digest = std::move(digest);
       result.matches = same;
     }
+  }
+
+  // Reads the source and its copy side by side in blocks, so that memory stays the same
+  // whatever the size of the clips; the digest is the copy's, and only when they match.
+  bool compareAndDigest(const String& relative, bool* readable, std::string* digest) const {
+    constexpr std::size_t kBlockSize = 1 << 20;
+    FileManager& fm = FileManager::defaultManager();
+    FileHandle original = fm.openFileForReadingAtPath(source_.stringByAppendingPathComponent(relative));
+    *readable = original.isOpen();
+    if (!original.isOpen()) return false;
+    FileHandle copied =
+        fm.openFileForReadingAtPath(destination_.stringByAppendingPathComponent(relative));
+    if (!copied.isOpen()) return false;
+    const auto blocks = std::make_unique_for_overwrite<std::uint8_t[]>(2 * kBlockSize);
+    std::uint8_t* const ours = blocks.get();
+    std::uint8_t* const theirs = blocks.get() + kBlockSize;
+    StreamingDigest hasher(algorithm_);
+    for (;;) {
+      UInteger length = 0;
+      if (!fm.readBytes(original, ours, kBlockSize, &length)) {
+        *readable = false;
+        return false;
+      }
+      // The copy is read to the same length (a read may return less than asked).
+      UInteger filled = 0;
+      while (filled < length) {
+        UInteger n = 0;
+        if (!fm.readBytes(copied, theirs + filled, length - filled, &n) || n == 0) return false;
+        filled += n;
+      }
+      if (length == 0) {
+        UInteger more = 0;
+        if (!fm.readBytes(copied, theirs, 1, &more) || more != 0) return false;  // copy longer
+        break;
+      }
+      if (std::memcmp(ours, theirs, length) != 0) return false;
+      hasher.update(theirs, length);
+    }
+    *digest = hasher.finish();
+    return true;
   }
 
   const String source_, destination_;
@@ -220,8 +247,8 @@ Runner addOffloadCommand(CLI::App& app, const Settings& settings) {
       "offload",
       "Copy a camera card into DEST; while the copy goes on, compare every copy with its\n"
       "source, byte for byte, and digest it into a manifest (DEST/offload.md5, which\n"
-      "`md5sum -c` reads from DEST; offload.sha1,\n"
-      "offload.xxh64 or offload.xxh128 for sha1sum -c and xxhsum -c)\n"
+      "`md5sum -c` reads from DEST; offload.sha1, offload.sha256,\n"
+      "offload.xxh64 or offload.xxh128 for sha1sum -c, sha256sum -c and xxhsum -c)\n"
       "Example: tarnvik offload /media/CARD /srv/Day01/A001 --xxh128");
   command->add_option("SOURCE", arguments->source, "The card (a folder)")->required();
   command->add_option("DEST", arguments->destination, "An existing folder it goes into")

@@ -4,6 +4,7 @@
 #include <xxhash.h>
 
 #include <cstdio>
+#include <new>
 
 namespace tarnvik {
 
@@ -34,6 +35,8 @@ const char* digestName(DigestAlgorithm algorithm) {
       return "md5";
     case DigestAlgorithm::SHA1:
       return "sha1";
+    case DigestAlgorithm::SHA256:
+      return "sha256";
     case DigestAlgorithm::XXH64:
       return "xxh64";
     case DigestAlgorithm::XXH128:
@@ -42,24 +45,52 @@ const char* digestName(DigestAlgorithm algorithm) {
   return "md5";
 }
 
-StreamingDigest::StreamingDigest(DigestAlgorithm algorithm) : state_(std::make_unique<State>()) {
-  state_->algorithm = algorithm;
+namespace {
+
+const EVP_MD* evpDigest(DigestAlgorithm algorithm) {
   switch (algorithm) {
     case DigestAlgorithm::MD5:
+      return EVP_md5();
     case DigestAlgorithm::SHA1:
-      state_->evp = EVP_MD_CTX_new();
-      EVP_DigestInit_ex(state_->evp, algorithm == DigestAlgorithm::MD5 ? EVP_md5() : EVP_sha1(),
-                        nullptr);
-      break;
-    case DigestAlgorithm::XXH64:
-      state_->xxh64 = XXH64_createState();
-      XXH64_reset(state_->xxh64, 0);
-      break;
-    case DigestAlgorithm::XXH128:
-      state_->xxh3 = XXH3_createState();
-      XXH3_128bits_reset(state_->xxh3);
-      break;
+      return EVP_sha1();
+    case DigestAlgorithm::SHA256:
+      return EVP_sha256();
+    default:
+      return nullptr;
   }
+}
+
+// Out of memory is the one way OpenSSL and xxHash can fail to start a digest.
+template <class T>
+T* started(T* state) {
+  if (!state) throw std::bad_alloc();
+  return state;
+}
+
+}  // namespace
+
+StreamingDigest::StreamingDigest(DigestAlgorithm algorithm) : state_(std::make_unique<State>()) {
+  state_->algorithm = algorithm;
+  if (evpDigest(algorithm)) {
+    state_->evp = started(EVP_MD_CTX_new());
+  } else if (algorithm == DigestAlgorithm::XXH64) {
+    state_->xxh64 = started(XXH64_createState());
+  } else {
+    state_->xxh3 = started(XXH3_createState());
+  }
+  reset();
+}
+
+void StreamingDigest::reset() {
+  if (state_->evp) EVP_DigestInit_ex(state_->evp, evpDigest(state_->algorithm), nullptr);
+  if (state_->xxh64) XXH64_reset(state_->xxh64, 0);
+  if (state_->xxh3) XXH3_128bits_reset(state_->xxh3);
+}
+
+std::string StreamingDigest::finish() {
+  std::string hex = hexDigest();
+  reset();
+  return hex;
 }
 
 StreamingDigest::~StreamingDigest() {
@@ -97,11 +128,18 @@ std::string StreamingDigest::hexDigest() const {
 
 String digestOfFileAtPath(const String& path, DigestAlgorithm algorithm, Error* error,
                           FileManager& fileManager) {
-  const Data bytes = fileManager.contentsAtPath(path, NSDataReadingMappedIfSafe, error);
-  if (bytes.isNil()) return String();
+  FileHandle file = fileManager.openFileForReadingAtPath(path, error);
+  if (!file.isOpen()) return String();
+  constexpr std::size_t kBlockSize = 1 << 20;
+  const auto block = std::make_unique_for_overwrite<std::uint8_t[]>(kBlockSize);
   StreamingDigest digest(algorithm);
-  digest.update(bytes.bytes(), bytes.length());
-  return String(digest.hexDigest());
+  for (;;) {
+    UInteger length = 0;
+    if (!fileManager.readBytes(file, block.get(), kBlockSize, &length, error)) return String();
+    if (length == 0) break;
+    digest.update(block.get(), length);
+  }
+  return String(digest.finish());
 }
 
 }  // namespace tarnvik

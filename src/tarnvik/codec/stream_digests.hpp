@@ -1,10 +1,10 @@
 // Digests fed piece by piece, and the digest of a whole file, in the hex forms md5sum,
-// sha1sum and xxhsum print (lower case; XXH64 and XXH128 in their canonical big-endian
-// order, as `xxhsum` and `xxhsum -H2` show them).
+// sha1sum, sha256sum and xxhsum print (lower case; XXH64 and XXH128 in their canonical
+// big-endian order, as `xxhsum` and `xxhsum -H2` show them).
 //
 //   StreamingDigest digest(DigestAlgorithm::XXH128);
 //   digest.update(bytes, length);        // as often as needed
-//   std::string hex = digest.hexDigest();
+//   std::string hex = digest.finish();   // and the digest starts over
 //   String md5 = digestOfFileAtPath(u"/srv/Day01/A001C001.mov", DigestAlgorithm::MD5, &error);
 #pragma once
 
@@ -19,9 +19,9 @@
 
 namespace tarnvik {
 
-enum class DigestAlgorithm : std::uint8_t { MD5, SHA1, XXH64, XXH128 };
+enum class DigestAlgorithm : std::uint8_t { MD5, SHA1, SHA256, XXH64, XXH128 };
 
-// The name a manifest file takes after it: "md5", "sha1", "xxh64", "xxh128".
+// The name a manifest file takes after it: "md5", "sha1", "sha256", "xxh64", "xxh128".
 const char* digestName(DigestAlgorithm algorithm);
 
 class StreamingDigest {
@@ -35,14 +35,20 @@ class StreamingDigest {
   // The digest of everything fed so far, in lower-case hex. The digest may be fed further
   // afterwards.
   std::string hexDigest() const;
+  // The digest of everything fed so far, in lower-case hex; the digest then starts over, as
+  // if nothing had been fed.
+  std::string finish();
 
  private:
+  void reset();
+
   struct State;
   std::unique_ptr<State> state_;
 };
 
-// The digest of the file's bytes (read through the file manager, mapped where it can); nil
-// with the file manager's error when the file cannot be read.
+// The digest of the file's bytes, read through the file manager in 1 MiB blocks, so that a
+// file of any size takes the same memory; nil with the file manager's error (the path and
+// the cause) when the file cannot be opened or read.
 String digestOfFileAtPath(const String& path, DigestAlgorithm algorithm, Error* error = nullptr,
                           FileManager& fileManager = FileManager::defaultManager());
 

@@ -265,6 +265,29 @@ bool FileManager::writeDataToPath(const Data& data, const String& path, bool ato
   return complete;
 }
 
+FileHandle FileManager::openFileForReadingAtPath(const String& path, Error* error) {
+  const int descriptor = ::open(path.utf8().c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) {
+    fail(error, FileOperation::Read, path, errno);
+    return FileHandle();
+  }
+  // The file is read once from start to end: the kernel may read ahead further.
+  ::posix_fadvise(descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
+  return FileHandle(descriptor, path);
+}
+
+bool FileManager::readBytes(FileHandle& file, void* buffer, UInteger capacity,
+                            UInteger* bytesRead, Error* error) {
+  *bytesRead = 0;
+  for (;;) {
+    const ssize_t n = ::read(file.descriptor(), buffer, capacity);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return fail(error, FileOperation::Read, file.path(), errno);
+    *bytesRead = static_cast<UInteger>(n);
+    return true;
+  }
+}
+
 FileHandle FileManager::createTemporaryFileNearPath(const String& path, Error* error) {
   std::string name = path.utf8() + ".tarnvik-XXXXXX";
   const int descriptor = ::mkostemp(name.data(), O_CLOEXEC);

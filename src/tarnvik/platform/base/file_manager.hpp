@@ -93,7 +93,8 @@ struct FileSystemAttributes {
 // What a failed primitive was doing; it chooses the error code (see errorFor()).
 enum class FileOperation : std::uint8_t { Read, Write, Remove, Move, Copy, Create, Link };
 
-// An open file for writing; closes itself (without reporting) when it goes out of scope.
+// An open file, for reading or for writing; closes itself (without reporting) when it goes
+// out of scope.
 class FileHandle {
  public:
   FileHandle() = default;
@@ -171,7 +172,14 @@ class FileManager {
   bool writeDataToPath(const Data& data, const String& path, bool atomically,
                        Error* error = nullptr);
 
-  // ---- Open files (the steps of a write) ----
+  // ---- Open files (the steps of a streamed read or write) ----
+
+  // The file opened for reading, to be read from the start in blocks. Read codes.
+  virtual FileHandle openFileForReadingAtPath(const String& path, Error* error = nullptr);
+  // Reads up to capacity bytes into the buffer, going on after interrupted reads, and sets
+  // *bytesRead (0 at the end of the file). Read codes.
+  virtual bool readBytes(FileHandle& file, void* buffer, UInteger capacity, UInteger* bytesRead,
+                         Error* error = nullptr);
 
   // A new, empty file beside the path with a unique name and the permissions a new file
   // gets (0666 less the process's mask). Write codes.
