@@ -23,8 +23,7 @@ TEST(StreamDigests, MatchMd5sumSha1sumAndXxhsumWholeAndInPieces) {
                                                            {DigestAlgorithm::XXH128, "xxhsum -H2"}};
   for (const auto& [algorithm, tool] : tools) {
     SCOPED_TRACE(tool);
-    ASSERT_EQ(testing::sh(dir.path(),
-                          std::string(tool) + " clip.mov | cut -d' ' -f1 > expected"),
+    ASSERT_EQ(testing::sh(dir.path(), std::string(tool) + " clip.mov | cut -d' ' -f1 > expected"),
               0);
     std::string expected = testing::slurp(dir.path() / "expected");
     expected.pop_back();
@@ -51,8 +50,7 @@ TEST(StreamDigests, AFileThatFailsMidwayGivesNilAndTheReadError) {
   testing::FailingFileManager fm;
   fm.failCall(testing::FailingFileManager::Step::ReadBytes, 2, EIO);
   Error error;
-  EXPECT_TRUE(
-      digestOfFileAtPath(testing::str(file), DigestAlgorithm::SHA256, &error, fm).isNil());
+  EXPECT_TRUE(digestOfFileAtPath(testing::str(file), DigestAlgorithm::SHA256, &error, fm).isNil());
   EXPECT_EQ(error.domain(), NSCocoaErrorDomain);
   EXPECT_EQ(error.code(), 256);  // a read that failed for another reason
   EXPECT_EQ(error.userInfo().objectForKey(NSFilePathErrorKey).asString(), testing::str(file));

@@ -17,9 +17,9 @@ namespace {
 // The algorithm of a manifest: from its extension, else from the length of its digests.
 DigestAlgorithm manifestAlgorithm(const std::string& path, std::size_t digestLength) {
   const std::string extension = utf8(String(path).pathExtension().lowercaseString());
-  for (const DigestAlgorithm a : {DigestAlgorithm::MD5, DigestAlgorithm::SHA1,
-                                  DigestAlgorithm::SHA256, DigestAlgorithm::XXH64,
-                                  DigestAlgorithm::XXH128}) {
+  for (const DigestAlgorithm a :
+       {DigestAlgorithm::MD5, DigestAlgorithm::SHA1, DigestAlgorithm::SHA256,
+        DigestAlgorithm::XXH64, DigestAlgorithm::XXH128}) {
     if (extension == digestName(a)) return a;
   }
   return digestLength == 64   ? DigestAlgorithm::SHA256

@@ -190,7 +190,8 @@ class Verifier {
   bool compareAndDigest(const String& relative, bool* readable, std::string* digest) const {
     constexpr std::size_t kBlockSize = 1 << 20;
     FileManager& fm = FileManager::defaultManager();
-    FileHandle original = fm.openFileForReadingAtPath(source_.stringByAppendingPathComponent(relative));
+    FileHandle original =
+        fm.openFileForReadingAtPath(source_.stringByAppendingPathComponent(relative));
     *readable = original.isOpen();
     if (!original.isOpen()) return false;
     FileHandle copied =

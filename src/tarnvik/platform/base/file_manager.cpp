@@ -276,8 +276,8 @@ FileHandle FileManager::openFileForReadingAtPath(const String& path, Error* erro
   return FileHandle(descriptor, path);
 }
 
-bool FileManager::readBytes(FileHandle& file, void* buffer, UInteger capacity,
-                            UInteger* bytesRead, Error* error) {
+bool FileManager::readBytes(FileHandle& file, void* buffer, UInteger capacity, UInteger* bytesRead,
+                            Error* error) {
   *bytesRead = 0;
   for (;;) {
     const ssize_t n = ::read(file.descriptor(), buffer, capacity);
