@@ -1,11 +1,17 @@
 #include "tarnvik/codec/gzip.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <zlib.h>
 
+#include <fstream>
 #include <optional>
 #include <random>
+#include <sstream>
+#include <thread>
 
+#include "support/failing_file_manager.hpp"
+#include "support/file_helpers.hpp"
 #include "support/temp_dir.hpp"
 #include "support/tools.hpp"
 
@@ -160,6 +166,139 @@ TEST(Gzip, InteroperatesWithTheGzipTool) {
       std::string(
           gzipUnpackedData(Data::withString(readFile(dir.path() / "theirs.gz"))).asStringView()),
       text);
+}
+
+// ---- Streamed forms ----
+
+std::string noise(std::size_t size, unsigned seed) {
+  std::mt19937 random(seed);
+  std::string bytes(size, '\0');
+  for (char& c : bytes) c = static_cast<char>(random());
+  return bytes;
+}
+
+// The streamed forms feed zlib 256 KiB at a time (and whatever a pipe hands over), the
+// whole-buffer form everything at once: the bytes must be the same.
+TEST(GzipStreams, PackToTheBytesOfTheWholeBufferFormAndBack) {
+  testing::TempDir dir;
+  const std::size_t block = 256 * 1024;
+  const std::string inputs[] = {"",
+                                "a",
+                                sampleText(block - 1),
+                                sampleText(block),
+                                sampleText(block + 1),
+                                sampleText(3 * block + 77),
+                                noise(block * 2 + 5, 3),
+                                sampleText(block) + noise(block / 2, 4) + std::string(block, 'x')};
+  for (const std::string& text : inputs) {
+    SCOPED_TRACE(text.size());
+    const std::string expected(gzipPackedData(Data::withString(text)).asStringView());
+    std::istringstream in(text);
+    std::ostringstream out;
+    ASSERT_TRUE(gzipPackStream(in, out));
+    EXPECT_EQ(out.str(), expected);
+    std::istringstream packed(out.str());
+    std::ostringstream back;
+    ASSERT_TRUE(gzipUnpackStream(packed, back));
+    EXPECT_EQ(back.str(), text);
+
+    writeFile(dir.path() / "clip.txt", text);
+    Error error;
+    ASSERT_TRUE(gzipPackFileAtPath(testing::str(dir.path() / "clip.txt"),
+                                   testing::str(dir.path() / "clip.txt.gz"), &error))
+        << error.localizedDescription().utf8();
+    EXPECT_EQ(readFile(dir.path() / "clip.txt.gz"), expected);
+    ASSERT_TRUE(gzipUnpackFileAtPath(testing::str(dir.path() / "clip.txt.gz"),
+                                     testing::str(dir.path() / "back.txt"), &error));
+    EXPECT_EQ(readFile(dir.path() / "back.txt"), text);
+  }
+}
+
+TEST(GzipStreams, ReadFromAPipeInUnevenPieces) {
+  testing::TempDir dir;
+  const auto fifo = dir.path() / "feed";
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  const std::string text = sampleText(1 << 20) + noise(300000, 9);
+  std::thread writer([&] {
+    std::ofstream out(fifo, std::ios::binary);
+    std::mt19937 random(5);
+    for (std::size_t at = 0; at < text.size();) {
+      const std::size_t piece = std::min<std::size_t>(1 + random() % 70000, text.size() - at);
+      out.write(text.data() + at, static_cast<std::streamsize>(piece)).flush();
+      at += piece;
+    }
+  });
+  Error error;
+  const bool packed =
+      gzipPackFileAtPath(testing::str(fifo), testing::str(dir.path() / "feed.gz"), &error);
+  writer.join();
+  ASSERT_TRUE(packed) << error.localizedDescription().utf8();
+  EXPECT_EQ(readFile(dir.path() / "feed.gz"),
+            gzipPackedData(Data::withString(text)).asStringView());
+}
+
+TEST(GzipStreams, WorkWithTheGzipTool) {
+  if (!testing::toolAvailable("gzip")) GTEST_SKIP() << "gzip is not installed";
+  testing::TempDir dir;
+  const std::string text = sampleText(2 << 20);
+  writeFile(dir.path() / "report.xml", text);
+  ASSERT_TRUE(gzipPackFileAtPath(testing::str(dir.path() / "report.xml"),
+                                 testing::str(dir.path() / "ours.gz")));
+  ASSERT_TRUE(run("gzip -t " + (dir.path() / "ours.gz").string()));
+  // Two members, as `cat a.gz b.gz` makes: like the whole-buffer form, only the first counts.
+  ASSERT_TRUE(run("cd " + dir.path().string() +
+                  " && gzip -c report.xml > theirs.gz && echo more | gzip -c >> theirs.gz"));
+  ASSERT_TRUE(gzipUnpackFileAtPath(testing::str(dir.path() / "theirs.gz"),
+                                   testing::str(dir.path() / "theirs")));
+  EXPECT_EQ(readFile(dir.path() / "theirs"), text);
+}
+
+TEST(GzipStreams, AFailureNamesTheFileAndLeavesTheTargetAsItWas) {
+  testing::TempDir dir;
+  const std::string gz(gzipPackedData(Data::withString(sampleText(600000))).asStringView());
+  writeFile(dir.path() / "cut.gz", gz.substr(0, gz.size() - 9));
+  writeFile(dir.path() / "bad.gz", "definitely not gzip");
+  writeFile(dir.path() / "target", "the old contents");
+  const String target = testing::str(dir.path() / "target");
+  Error error;
+  EXPECT_FALSE(gzipUnpackFileAtPath(testing::str(dir.path() / "cut.gz"), target, &error));
+  EXPECT_EQ(error.code(), 259);
+  EXPECT_EQ(error.localizedFailureReason().utf8(),
+            "The stream ends before its end: the data is cut short.");
+  EXPECT_EQ(error.userInfo().objectForKey(NSFilePathErrorKey).asString(),
+            testing::str(dir.path() / "cut.gz"));
+  EXPECT_FALSE(gzipUnpackFileAtPath(testing::str(dir.path() / "bad.gz"), target, &error));
+  EXPECT_EQ(error.localizedFailureReason().utf8(), "zlib: incorrect header check");
+  EXPECT_FALSE(gzipPackFileAtPath(testing::str(dir.path() / "none"), target, &error));
+  EXPECT_EQ(error.code(), 260);
+
+  // The disk fills up on the second block written, and then the rename fails.
+  writeFile(dir.path() / "clip.mov", noise(1 << 20, 1));
+  testing::FailingFileManager fm;
+  fm.failCall(testing::FailingFileManager::Step::WriteBytes, 2, ENOSPC);
+  EXPECT_FALSE(gzipPackFileAtPath(testing::str(dir.path() / "clip.mov"), target, &error, fm));
+  EXPECT_EQ(error.code(), 640);
+  fm.failCall(testing::FailingFileManager::Step::Rename, 1, EIO);
+  EXPECT_FALSE(gzipPackFileAtPath(testing::str(dir.path() / "clip.mov"), target, &error, fm));
+
+  EXPECT_EQ(readFile(dir.path() / "target"), "the old contents");
+  std::size_t files = 0;
+  for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(dir.path()))
+    ++files;
+  EXPECT_EQ(files, 4u) << "no temporary file is left behind";
+}
+
+TEST(GzipStreams, AStreamThatFailsIsReported) {
+  std::istringstream in(sampleText(1000));
+  std::ostringstream out;
+  out.setstate(std::ios::badbit);
+  Error error;
+  EXPECT_FALSE(gzipPackStream(in, out, &error));
+  EXPECT_EQ(error.code(), 512);
+  std::istringstream damaged(std::string("\x1F\x8B\x08\x00") + noise(100, 2));
+  std::ostringstream sink;
+  EXPECT_FALSE(gzipUnpackStream(damaged, sink, &error));
+  EXPECT_EQ(error.code(), 259);
 }
 
 }  // namespace

@@ -169,6 +169,13 @@ TEST(TarnvikTool, SmallChores) {
   ASSERT_EQ(tarnvik(dir.path(), "gunzip report.xml.gz").code, 0);
   EXPECT_EQ(testing::slurp(dir.path() / "report.xml"), std::string(10000, 'r'));
   EXPECT_EQ(tarnvik(dir.path(), "gunzip report.xml").code, 1);
+  dir.write("cut.xml.gz", testing::slurp(dir.path() / "report.xml.gz").substr(0, 30));
+  const ToolRun cut = tarnvik(dir.path(), "gunzip cut.xml.gz");
+  EXPECT_EQ(cut.code, 1);
+  EXPECT_EQ(cut.err,
+            "tarnvik: gunzip: cut.xml.gz: The stream ends before its end: the data is cut short. "
+            "(NSCocoaErrorDomain 259)\n");
+  EXPECT_FALSE(std::filesystem::exists(dir.path() / "cut.xml")) << "nothing half-written";
   // folders: the structure without the files.
   dir.write("tree/a/b/f.txt", "f");
   dir.write("tree/c/.DS_Store", "");

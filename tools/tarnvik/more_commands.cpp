@@ -180,25 +180,21 @@ Runner addGzipCommand(CLI::App& app, const Settings& settings, bool pack) {
   command->add_option("FILE", *file, "The file")->required();
   return [=, &settings] {
     Outcome outcome;
-    FileManager& fm = FileManager::defaultManager();
     const String path(*file);
-    Error error;
-    const Data input = fm.contentsAtPath(path, NSDataReadingMappedIfSafe, &error);
-    if (input.isNil()) {
-      reportError(outcome, pack ? "gzip" : "gunzip", *file, error);
-      return outcome;
-    }
     if (!pack && !path.hasSuffix(u".gz")) {
       reportError(outcome, "gunzip", *file, std::string("does not end in .gz"));
       return outcome;
     }
-    const Data output = pack ? gzipPackedData(input) : gzipUnpackedData(input);
+    // Streamed in blocks: a file of any size takes the same memory.
     const String target =
         pack ? path.stringByAppendingString(u".gz") : path.stringByDeletingPathExtension();
-    if (output.isNil()) {
-      reportError(outcome, pack ? "gzip" : "gunzip", *file, std::string("is not gzip data"));
-    } else if (!fm.writeDataToPath(output, target, true, &error)) {
-      reportError(outcome, pack ? "gzip" : "gunzip", utf8(target), error);
+    Error error;
+    const bool done = pack ? gzipPackFileAtPath(path, target, &error)
+                           : gzipUnpackFileAtPath(path, target, &error);
+    if (!done) {
+      const Value failed = error.userInfo().objectForKey(NSFilePathErrorKey);
+      reportError(outcome, pack ? "gzip" : "gunzip",
+                  failed.isString() ? failed.asString().utf8() : *file, error);
     }
     outcome.document.update({{"command", pack ? "gzip" : "gunzip"}, {"output", utf8(target)}});
     if (!settings.json && outcome.code == kSuccess) std::cout << utf8(target) << '\n';

@@ -4,6 +4,11 @@
 
 #include <algorithm>
 #include <climits>
+#include <functional>
+#include <istream>
+#include <memory>
+#include <ostream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -38,14 +43,25 @@ uInt clampChunk(std::size_t n) { return static_cast<uInt>(std::min(n, kMaxChunk)
 
 }  // namespace
 
+namespace {
+
+int startPacking(z_stream& stream) {
+  return deflateInit2_(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindowBits,
+                       kDefaultMemoryLevel, Z_DEFAULT_STRATEGY, kZlibVersion,
+                       static_cast<int>(sizeof(z_stream)));
+}
+
+int startUnpacking(z_stream& stream) {
+  return inflateInit2_(&stream, kAutoDetectWindowBits, kZlibVersion,
+                       static_cast<int>(sizeof(z_stream)));
+}
+
+}  // namespace
+
 Data gzipPackedData(const Data& data) {
   if (data.isEmpty()) return data;
   z_stream stream{};
-  if (deflateInit2_(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindowBits,
-                    kDefaultMemoryLevel, Z_DEFAULT_STRATEGY, kZlibVersion,
-                    static_cast<int>(sizeof(z_stream))) != Z_OK) {
-    return Data();
-  }
+  if (startPacking(stream) != Z_OK) return Data();
   // The output grows by 16 KiB whenever it is full; std::vector keeps the reallocations
   // themselves geometric, so the growth costs amortised linear time.
   ByteBuffer out(kPackIncrement);
@@ -75,8 +91,10 @@ Data gzipUnpackedData(const Data& data) { return gzipUnpackedData(data, nullptr)
 
 namespace {
 
-// The reason zlib gives for a stream it stopped on, or ours when it gave none.
-void reportUnpackFailure(Error* error, const z_stream& stream, int status) {
+// The reason zlib gives for a stream it stopped on, or ours when it gave none; the path of
+// the input, when it is a file.
+void reportUnpackFailure(Error* error, const z_stream& stream, int status,
+                         const String& path = String()) {
   if (!error) return;
   String reason;
   if (stream.msg) {
@@ -86,11 +104,12 @@ void reportUnpackFailure(Error* error, const z_stream& stream, int status) {
   } else {
     reason = String("zlib: error " + std::to_string(status));
   }
-  *error = Error(NSCocoaErrorDomain, kCorruptDataError,
-                 Dictionary{{NSLocalizedDescriptionKey,
-                             u"The data couldn’t be unpacked because it isn’t a complete gzip or "
-                             u"zlib stream."},
-                            {NSLocalizedFailureReasonErrorKey, reason}});
+  Dictionary userInfo{{NSLocalizedDescriptionKey,
+                       u"The data couldn’t be unpacked because it isn’t a complete gzip or "
+                       u"zlib stream."},
+                      {NSLocalizedFailureReasonErrorKey, reason}};
+  if (!path.isNil()) userInfo.setObject(path, NSFilePathErrorKey);
+  *error = Error(NSCocoaErrorDomain, kCorruptDataError, userInfo);
 }
 
 }  // namespace
@@ -119,9 +138,7 @@ Data gzipUnpackedData(const Data& data, Error* error) {
   const std::uint8_t* in = data.bytes();
   stream.next_in = const_cast<Bytef*>(in);
   stream.avail_in = clampChunk(data.length());
-  if (const int started = inflateInit2_(&stream, kAutoDetectWindowBits, kZlibVersion,
-                                        static_cast<int>(sizeof(z_stream)));
-      started != Z_OK) {
+  if (const int started = startUnpacking(stream); started != Z_OK) {
     reportUnpackFailure(error, stream, started);
     return Data();
   }
@@ -151,6 +168,166 @@ Data gzipUnpackedData(const Data& data, Error* error) {
   }
   out.resize(produced);
   return Data::withBuffer(std::move(out));
+}
+
+// ---- Streamed packing and unpacking ----
+
+namespace {
+
+constexpr std::size_t kStreamBlockSize = 256 * 1024;
+
+// Reads up to capacity bytes, setting *length (0 at the end); false with the error on failure.
+using BlockReader = std::function<bool(std::uint8_t* buffer, std::size_t capacity,
+                                       std::size_t* length, Error* error)>;
+// Writes all the bytes; false with the error on failure.
+using BlockWriter =
+    std::function<bool(const std::uint8_t* bytes, std::size_t length, Error* error)>;
+
+// Deflates everything the reader gives. The whole-buffer form hands zlib its input and room
+// in different slices, but deflate's output depends only on the bytes and the final
+// Z_FINISH, so the two agree byte for byte.
+bool packBlocks(const BlockReader& read, const BlockWriter& write, Error* error) {
+  const auto in = std::make_unique_for_overwrite<std::uint8_t[]>(kStreamBlockSize);
+  const auto out = std::make_unique_for_overwrite<std::uint8_t[]>(kStreamBlockSize);
+  std::size_t length = 0;
+  if (!read(in.get(), kStreamBlockSize, &length, error)) return false;
+  if (length == 0) return true;  // like gzipPackedData, nothing for nothing
+  z_stream stream{};
+  if (startPacking(stream) != Z_OK) throw std::bad_alloc();
+  const std::unique_ptr<z_stream, int (*)(z_stream*)> ending(&stream, deflateEnd);
+  for (;;) {
+    const int flush = length == 0 ? Z_FINISH : Z_NO_FLUSH;
+    stream.next_in = in.get();
+    stream.avail_in = static_cast<uInt>(length);
+    int status = Z_OK;
+    do {
+      stream.next_out = out.get();
+      stream.avail_out = static_cast<uInt>(kStreamBlockSize);
+      status = deflate(&stream, flush);
+      const std::size_t produced = kStreamBlockSize - stream.avail_out;
+      if (produced > 0 && !write(out.get(), produced, error)) return false;
+    } while (stream.avail_out == 0 || (flush == Z_FINISH && status == Z_OK));
+    if (status == Z_STREAM_END) return true;
+    if (flush == Z_FINISH) throw std::logic_error("gzipPackStream: zlib did not finish the stream");
+    if (!read(in.get(), kStreamBlockSize, &length, error)) return false;
+  }
+}
+
+// Inflates the reader's bytes up to the end of the first stream; what follows it is not read
+// further than the block it is in.
+bool unpackBlocks(const BlockReader& read, const BlockWriter& write, Error* error,
+                  const String& path) {
+  const auto in = std::make_unique_for_overwrite<std::uint8_t[]>(kStreamBlockSize);
+  const auto out = std::make_unique_for_overwrite<std::uint8_t[]>(kStreamBlockSize);
+  std::size_t length = 0;
+  if (!read(in.get(), kStreamBlockSize, &length, error)) return false;
+  if (length == 0) return true;  // like gzipUnpackedData, nothing for nothing
+  z_stream stream{};
+  if (const int started = startUnpacking(stream); started != Z_OK) {
+    reportUnpackFailure(error, stream, started, path);
+    return false;
+  }
+  const std::unique_ptr<z_stream, int (*)(z_stream*)> ending(&stream, inflateEnd);
+  stream.next_in = in.get();
+  stream.avail_in = static_cast<uInt>(length);
+  for (;;) {
+    stream.next_out = out.get();
+    stream.avail_out = static_cast<uInt>(kStreamBlockSize);
+    const int status = inflate(&stream, Z_NO_FLUSH);
+    const std::size_t produced = kStreamBlockSize - stream.avail_out;
+    if (produced > 0 && !write(out.get(), produced, error)) return false;
+    if (status == Z_STREAM_END) return true;
+    if (status != Z_OK && status != Z_BUF_ERROR) {
+      reportUnpackFailure(error, stream, status, path);
+      return false;
+    }
+    if (stream.avail_in == 0 && stream.avail_out != 0) {
+      if (!read(in.get(), kStreamBlockSize, &length, error)) return false;
+      if (length == 0) {  // the input ended inside the stream
+        reportUnpackFailure(error, stream, Z_BUF_ERROR, path);
+        return false;
+      }
+      stream.next_in = in.get();
+      stream.avail_in = static_cast<uInt>(length);
+    }
+  }
+}
+
+// Runs the packer or unpacker from one file into a temporary file beside the other, renamed
+// into place when complete.
+bool transformFile(const String& path, const String& toPath, Error* error, FileManager& fileManager,
+                   bool pack) {
+  FileHandle input = fileManager.openFileForReadingAtPath(path, error);
+  if (!input.isOpen()) return false;
+  FileHandle output = fileManager.createTemporaryFileNearPath(toPath, error);
+  if (!output.isOpen()) return false;
+  const String written = output.path();
+  const BlockReader read = [&](std::uint8_t* buffer, std::size_t capacity, std::size_t* length,
+                               Error* failure) {
+    UInteger got = 0;
+    const bool ok = fileManager.readBytes(input, buffer, capacity, &got, failure);
+    *length = static_cast<std::size_t>(got);
+    return ok;
+  };
+  const BlockWriter write = [&](const std::uint8_t* bytes, std::size_t length, Error* failure) {
+    return fileManager.writeBytes(output, bytes, length, failure);
+  };
+  const bool complete =
+      (pack ? packBlocks(read, write, error) : unpackBlocks(read, write, error, path)) &&
+      fileManager.synchronizeFile(output, error) && fileManager.closeFile(output, error) &&
+      fileManager.renameItemAtPath(written, toPath, error);
+  if (!complete) {
+    output = FileHandle();  // closed before its name goes
+    fileManager.removeItemAtPath(written);
+  }
+  return complete;
+}
+
+BlockReader streamReader(std::istream& in) {
+  return [&in](std::uint8_t* buffer, std::size_t capacity, std::size_t* length, Error* error) {
+    in.read(reinterpret_cast<char*>(buffer), static_cast<std::streamsize>(capacity));
+    *length = static_cast<std::size_t>(in.gcount());
+    if (!in.bad()) return true;
+    if (error) {
+      *error = Error(NSCocoaErrorDomain, NSFileReadUnknownError,
+                     Dictionary{{NSLocalizedDescriptionKey, u"The stream couldn’t be read."}});
+    }
+    return false;
+  };
+}
+
+BlockWriter streamWriter(std::ostream& out) {
+  return [&out](const std::uint8_t* bytes, std::size_t length, Error* error) {
+    if (out.write(reinterpret_cast<const char*>(bytes), static_cast<std::streamsize>(length))) {
+      return true;
+    }
+    if (error) {
+      *error = Error(NSCocoaErrorDomain, NSFileWriteUnknownError,
+                     Dictionary{{NSLocalizedDescriptionKey, u"The stream couldn’t be written."}});
+    }
+    return false;
+  };
+}
+
+}  // namespace
+
+bool gzipPackFileAtPath(const String& path, const String& toPath, Error* error,
+                        FileManager& fileManager) {
+  return transformFile(path, toPath, error, fileManager, true);
+}
+
+bool gzipUnpackFileAtPath(const String& path, const String& toPath, Error* error,
+                          FileManager& fileManager) {
+  return transformFile(path, toPath, error, fileManager, false);
+}
+
+bool gzipPackStream(std::istream& in, std::ostream& out, Error* error) {
+  return packBlocks(streamReader(in), streamWriter(out), error) && static_cast<bool>(out.flush());
+}
+
+bool gzipUnpackStream(std::istream& in, std::ostream& out, Error* error) {
+  return unpackBlocks(streamReader(in), streamWriter(out), error, String()) &&
+         static_cast<bool>(out.flush());
 }
 
 }  // namespace tarnvik
