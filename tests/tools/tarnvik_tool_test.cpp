@@ -200,6 +200,14 @@ TEST(TarnvikTool, SmallChores) {
       nlohmann::json::parse(tarnvik(dir.path(), "--json time 90 --date 1700000000.5 --fps 25").out);
   EXPECT_EQ(time["duration"], "1:30 min");
   EXPECT_TRUE(time["timecode"].get<std::string>().ends_with(":20.12")) << time;
+  // Media timecodes, both ways, and a label drop-frame skips.
+  EXPECT_EQ(tarnvik(dir.path(), "timecode 17982 --rate 29.97df").out, "00:10:00;00\n");
+  EXPECT_EQ(tarnvik(dir.path(), "timecode 01:00:00:00 --rate 23.976").out, "86400\n");
+  EXPECT_EQ(tarnvik(dir.path(), "timecode 600.6 --seconds --rate 29.97df").out, "00:10:00;18\n");
+  const ToolRun dropped = tarnvik(dir.path(), "timecode 00:01:00;01 --rate 29.97df");
+  EXPECT_EQ(dropped.code, 1);
+  EXPECT_NE(dropped.err.find("drop-frame counting skips frames 00 to 01"), std::string::npos);
+  EXPECT_EQ(tarnvik(dir.path(), "timecode 1 --rate 26").code, 2);
   // copy --dry-run names each file and what would happen to it, and changes nothing.
   dir.write("from/a.mov", "a");
   dir.write("from/b.mov", "b");

@@ -39,6 +39,7 @@ int main(int argc, char** argv) {
   add(addGzipCommand(app, settings, true));
   add(addGzipCommand(app, settings, false));
   add(addTimeCommand(app, settings));
+  add(addTimecodeCommand(app, settings));
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {

@@ -1,6 +1,9 @@
 // sort, prune, folders, volumes, gzip, gunzip and time: small chores, each one library call.
+#include <cerrno>
+#include <cstdlib>
 #include <iostream>
 #include <iterator>
+#include <optional>
 #include <set>
 
 #include "tarnvik/codec/gzip.hpp"
@@ -9,6 +12,7 @@
 #include "tarnvik/text/sequence_order.hpp"
 #include "tarnvik/time/dates.hpp"
 #include "tarnvik/time/durations.hpp"
+#include "tarnvik/time/media_timecodes.hpp"
 #include "tool.hpp"
 
 namespace tarnvik::tool {
@@ -233,6 +237,73 @@ Runner addTimeCommand(CLI::App& app, const Settings& settings) {
         outcome.document["timecode"] = timecode;
         if (!settings.json) std::cout << timecode << '\n';
       }
+    }
+    return outcome;
+  };
+}
+
+Runner addTimecodeCommand(CLI::App& app, const Settings& settings) {
+  struct Arguments {
+    std::string position;
+    std::string rate = "25";
+    bool seconds = false;
+  };
+  auto arguments = std::make_shared<Arguments>();
+  CLI::App* command = app.add_subcommand(
+      "timecode",
+      "The timecode of a frame (or, with --seconds, of a moment) at a frame rate, or the\n"
+      "frame of a timecode; drop-frame at 29.97df and 59.94df\n"
+      "Example: tarnvik timecode 17982 --rate 29.97df     (prints 00:10:00;00)\n"
+      "         tarnvik timecode 01:00:00:00 --rate 23.976  (prints 86400)");
+  command->add_option("POSITION", arguments->position, "A frame number, seconds, or HH:MM:SS:FF")
+      ->required();
+  command->add_option("--rate", arguments->rate,
+                      "23.976, 24, 25, 29.97, 29.97df, 30, 50, 59.94, 59.94df or 60 (default 25)");
+  command->add_flag("--seconds", arguments->seconds, "POSITION is a time in seconds");
+  return [=, &settings] {
+    Outcome outcome;
+    Error error;
+    const std::optional<FrameRate> rate = FrameRate::fromString(arguments->rate, &error);
+    if (!rate) {
+      reportError(outcome, "timecode", arguments->rate, error);
+      outcome.code = kUsage;
+      return outcome;
+    }
+    std::optional<Timecode> timecode;
+    const std::string& position = arguments->position;
+    const bool isTimecode = position.find_first_of(":;") != std::string::npos;
+    if (isTimecode) {
+      timecode = Timecode::fromString(position, *rate, &error);
+    } else {
+      char* end = nullptr;
+      errno = 0;
+      if (arguments->seconds) {
+        const double seconds = std::strtod(position.c_str(), &end);
+        if (!position.empty() && *end == '\0') timecode = Timecode::fromSeconds(seconds, *rate);
+      } else {
+        const long long frame = std::strtoll(position.c_str(), &end, 10);
+        if (!position.empty() && *end == '\0' && errno == 0) timecode = Timecode(frame, *rate);
+      }
+      if (!timecode) {
+        error = Error(
+            NSCocoaErrorDomain, TimecodeFormattingError,
+            Dictionary{{NSLocalizedDescriptionKey,
+                        String("“" + position + "” is not " +
+                               (arguments->seconds ? "a time in seconds." : "a frame number."))}});
+      }
+    }
+    if (!timecode) {
+      reportError(outcome, "timecode", position, error);
+      return outcome;
+    }
+    const std::string text = timecode->toStdString();
+    outcome.document.update({{"command", "timecode"},
+                             {"timecode", text},
+                             {"frame", timecode->frameNumber()},
+                             {"seconds", timecode->secondsValue()},
+                             {"rate", rate->name()}});
+    if (!settings.json) {
+      std::cout << (isTimecode ? std::to_string(timecode->frameNumber()) : text) << '\n';
     }
     return outcome;
   };

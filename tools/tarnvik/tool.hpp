@@ -88,5 +88,6 @@ Runner addFoldersCommand(CLI::App& app, const Settings& settings);
 Runner addVolumesCommand(CLI::App& app, const Settings& settings);
 Runner addGzipCommand(CLI::App& app, const Settings& settings, bool pack);
 Runner addTimeCommand(CLI::App& app, const Settings& settings);
+Runner addTimecodeCommand(CLI::App& app, const Settings& settings);
 
 }  // namespace tarnvik::tool
