@@ -204,7 +204,7 @@ TEST(TarnvikTool, SmallChores) {
   EXPECT_EQ(tarnvik(dir.path(), "timecode 17982 --rate 29.97df").out, "00:10:00;00\n");
   EXPECT_EQ(tarnvik(dir.path(), "timecode 01:00:00:00 --rate 23.976").out, "86400\n");
   EXPECT_EQ(tarnvik(dir.path(), "timecode 600.6 --seconds --rate 29.97df").out, "00:10:00;18\n");
-  const ToolRun dropped = tarnvik(dir.path(), "timecode 00:01:00;01 --rate 29.97df");
+  const ToolRun dropped = tarnvik(dir.path(), "timecode '00:01:00;01' --rate 29.97df");
   EXPECT_EQ(dropped.code, 1);
   EXPECT_NE(dropped.err.find("drop-frame counting skips frames 00 to 01"), std::string::npos);
   EXPECT_EQ(tarnvik(dir.path(), "timecode 1 --rate 26").code, 2);
