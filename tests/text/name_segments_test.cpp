@@ -73,5 +73,41 @@ TEST(LastSegment, ResetKeepsTheOldWidth) {
   EXPECT_EQ(resetLastSegmentToIndex(u"clip", 5).utf8(), "clip");
 }
 
+TEST(LastSegmentOfFileName, StepsTheNumberBeforeTheExtension) {
+  struct Case {
+    const char16_t* name;
+    const char* next;
+    const char* previous;
+    const char* reset;  // to 1
+  };
+  const Case cases[] = {
+      {u"A001C009.mov", "A001C010.mov", "A001C008.mov", "A001C001.mov"},
+      {u"A001C999.MOV", "A001C1000.MOV", "A001C998.MOV", "A001C001.MOV"},
+      {u"clip.tar.gz", "clip.tas.gz", "clip.taq.gz", "clip.tar.gz"},
+      {u"take.mov", "takf.mov", "takd.mov", "take.mov"},
+      {u"Reel 9", "Reel 10", "Reel 8", "Reel 1"},
+      {u".profile7", ".profile8", ".profile6", ".profile1"},
+      {u"/Volumes/CARD/A001C009.mov", "/Volumes/CARD/A001C010.mov", "/Volumes/CARD/A001C008.mov",
+       "/Volumes/CARD/A001C001.mov"},
+      {u"v1.2/clip", "v1.2/cliq", "v1.2/clio", "v1.2/clip"},
+      {u"100%.mov", "100&.mov", "100$.mov", "100%.mov"},  // no format in the way
+      {u"50%d09.mov", "50%d10.mov", "50%d08.mov", "50%d01.mov"},
+      {u"x.mov", "y.mov", "w.mov", "x.mov"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(String(c.name).utf8());
+    EXPECT_EQ(incrementLastSegmentOfFileName(c.name).utf8(), c.next);
+    EXPECT_EQ(decrementLastSegmentOfFileName(c.name).utf8(), c.previous);
+    EXPECT_EQ(resetLastSegmentOfFileNameToIndex(c.name, 1).utf8(), c.reset);
+  }
+  // Without an extension they are the name forms.
+  for (const char16_t* name : {u"A001C009", u"Z", u"", u"clip\u0669"}) {
+    EXPECT_EQ(incrementLastSegmentOfFileName(name), incrementLastSegment(name));
+    EXPECT_EQ(decrementLastSegmentOfFileName(name), decrementLastSegment(name));
+  }
+  // A non-ASCII digit run is the segment, read as the name forms read it (as 0).
+  EXPECT_EQ(incrementLastSegmentOfFileName(u"clip\u0669.mov").utf8(), "clip1.mov");
+}
+
 }  // namespace
 }  // namespace tarnvik

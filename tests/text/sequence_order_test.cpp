@@ -55,16 +55,44 @@ TEST(SequenceOrder, KeyedSortAgreesWithTheComparator) {
     }
     std::vector<std::u16string_view> views;
     for (const String& n : names) views.push_back(n.units());
-    std::vector<String> keyed;
-    for (const std::size_t i : sequenceOrder(views)) keyed.push_back(names[i]);
-    std::vector<String> expected = names;
-    std::sort(expected.begin(), expected.end(), [](const String& a, const String& b) {
-      return compareForSequence(a, b) == NSOrderedAscending;
-    });
-    ASSERT_EQ(keyed.size(), expected.size());
-    for (std::size_t i = 0; i < keyed.size(); ++i) ASSERT_EQ(keyed[i], expected[i]) << "at " << i;
+    using Order = std::vector<std::size_t> (*)(std::span<const std::u16string_view>);
+    using Compare = ComparisonResult (*)(const String&, const String&);
+    const std::pair<Order, Compare> orders[] = {
+        {sequenceOrder, compareForSequence}, {fileNameSequenceOrder, compareFileNamesForSequence}};
+    for (const auto& [order, compare] : orders) {
+      std::vector<String> keyed;
+      for (const std::size_t i : order(views)) keyed.push_back(names[i]);
+      std::vector<String> expected = names;
+      std::sort(expected.begin(), expected.end(), [compare](const String& a, const String& b) {
+        return compare(a, b) == NSOrderedAscending;
+      });
+      ASSERT_EQ(keyed.size(), expected.size());
+      for (std::size_t i = 0; i < keyed.size(); ++i) {
+        ASSERT_EQ(keyed[i], expected[i]) << "at " << i;
+      }
+    }
   }
   EXPECT_TRUE(sequenceOrder({}).empty());
+  EXPECT_TRUE(fileNameSequenceOrder({}).empty());
+}
+
+TEST(FileNameSequenceOrder, ByNameThenExtensionWhateverItsCase) {
+  std::vector<String> names{u"clip10.mov", u"clip2.MOV",   u"clip10.MXF",   u"Clip",
+                            u"clip10.MOV", u"clip.mov",    u"A001C010.mov", u"a001c009.MOV",
+                            u".profile",   u"clip1.tar.gz"};
+  std::sort(names.begin(), names.end(), [](const String& a, const String& b) {
+    return compareFileNamesForSequence(a, b) == NSOrderedAscending;
+  });
+  std::vector<std::string> sorted;
+  for (const String& n : names) sorted.push_back(n.utf8());
+  // The sequence order would put every .MOV before every .mov; here the names lead.
+  EXPECT_EQ(sorted, (std::vector<std::string>{".profile", "a001c009.MOV", "A001C010.mov", "Clip",
+                                              "clip.mov", "clip1.tar.gz", "clip2.MOV", "clip10.MOV",
+                                              "clip10.mov", "clip10.MXF"}));
+  EXPECT_EQ(compareFileNamesForSequence(u"clip.mov", u"clip.mov"), NSOrderedSame);
+  EXPECT_EQ(compareForSequence(u"clip2.MOV", u"clip10.mov"), NSOrderedAscending);
+  EXPECT_EQ(compareForSequence(u"clip10.MOV", u"clip2.mov"), NSOrderedAscending);
+  EXPECT_EQ(compareFileNamesForSequence(u"clip10.MOV", u"clip2.mov"), NSOrderedDescending);
 }
 
 }  // namespace

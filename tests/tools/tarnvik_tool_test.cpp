@@ -151,11 +151,13 @@ TEST(TarnvikTool, ZipRoundTripAndARefusedArchive) {
 
 TEST(TarnvikTool, SmallChores) {
   testing::TempDir dir;
-  // sort: sequence order of standard input.
-  ASSERT_EQ(testing::sh(dir.path(), "printf 'clip10\\nclip9\\nA001C002\\n' | " +
+  // sort: file names in sequence order, by name before extension.
+  ASSERT_EQ(testing::sh(dir.path(), "printf 'clip10.mov\\nclip9.MOV\\nA001C002.mxf\\nclip9\\n' | " +
                                         std::string(TARNVIK_TOOL) + " sort > sorted"),
             0);
-  EXPECT_EQ(testing::slurp(dir.path() / "sorted"), "A001C002\nclip9\nclip10\n");
+  EXPECT_EQ(testing::slurp(dir.path() / "sorted"), "A001C002.mxf\nclip9\nclip9.MOV\nclip10.mov\n");
+  EXPECT_EQ(tarnvik(dir.path(), "name next A001C009.mov").out, "A001C010.mov\n");
+  EXPECT_EQ(tarnvik(dir.path(), "name previous A001C010.MOV").out, "A001C009.MOV\n");
   // name: reset and unique.
   dir.write("Clip.mov", "");
   EXPECT_EQ(tarnvik(dir.path(), "name reset A001C009 --to 1").out, "A001C001\n");

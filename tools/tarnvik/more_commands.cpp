@@ -20,8 +20,8 @@ namespace tarnvik::tool {
 Runner addSortCommand(CLI::App& app, const Settings& settings) {
   CLI::App* command = app.add_subcommand(
       "sort",
-      "Sort the lines of standard input in sequence order (clip9 before clip10,\n"
-      "like sort -V with the library's clip-name rules)\n"
+      "Sort the lines of standard input as file names in sequence order: by name,\n"
+      "digit runs by value (clip9 before clip10), then by extension, case aside\n"
       "Example: ls /srv/Day01 | tarnvik sort");
   (void)command;
   return [&settings] {
@@ -47,7 +47,7 @@ Runner addSortCommand(CLI::App& app, const Settings& settings) {
     }
     std::string output;
     output.reserve(input.size() + 1);
-    for (const std::size_t i : sequenceOrder(lines)) {
+    for (const std::size_t i : fileNameSequenceOrder(lines)) {
       if (settings.json) outcome.document["lines"].push_back(std::string(lineBytes[i]));
       output.append(lineBytes[i]).push_back('\n');
     }

@@ -119,9 +119,9 @@ Runner addNameCommand(CLI::App& app, const Settings& settings) {
   auto arguments = std::make_shared<Arguments>();
   CLI::App* command = app.add_subcommand(
       "name",
-      "Clip names: the next or previous one (counting in the last digit run), the\n"
-      "counter reset, or a name that is free in a folder\n"
-      "Example: tarnvik name next A001C009          (prints A001C010)\n"
+      "Clip names: the next or previous one (counting in the last digit run before\n"
+      "the extension), the counter reset, or a name that is free in a folder\n"
+      "Example: tarnvik name next A001C009.mov      (prints A001C010.mov)\n"
       "         tarnvik name unique Clip.mov --in /srv/Day01");
   command->add_option("ACTION", arguments->action, "next, previous, reset or unique")
       ->required()
@@ -134,11 +134,11 @@ Runner addNameCommand(CLI::App& app, const Settings& settings) {
     const String name(arguments->name);
     String result;
     if (arguments->action == "next") {
-      result = incrementLastSegment(name);
+      result = incrementLastSegmentOfFileName(name);
     } else if (arguments->action == "previous") {
-      result = decrementLastSegment(name);
+      result = decrementLastSegmentOfFileName(name);
     } else if (arguments->action == "reset") {
-      result = resetLastSegmentToIndex(name, arguments->index);
+      result = resetLastSegmentOfFileNameToIndex(name, arguments->index);
     } else if (arguments->folder.empty()) {
       reportError(outcome, "name", "unique", std::string("needs --in FOLDER"));
       outcome.code = kUsage;

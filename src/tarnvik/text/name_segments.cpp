@@ -3,6 +3,7 @@
 #include "tarnvik/core/checks.hpp"
 #include "tarnvik/platform/text/format.hpp"
 #include "tarnvik/text/affixes.hpp"
+#include "tarnvik/text/internal/file_name_parts.hpp"
 
 namespace tarnvik {
 
@@ -45,4 +46,45 @@ String resetLastSegmentToIndex(const String& name, UInteger index) {
   result.appendString(number);
   return result;
 }
+
+namespace {
+
+// Applies a step to the last segment of the name before the extension: the trailing digit
+// run, else the last unit, else nothing. The part before the segment and the extension are
+// joined around the result unchanged.
+template <class Step>
+String stepFileName(const String& fileName, Step step) {
+  const std::u16string_view units = fileName.units();
+  const std::size_t dot = file_name_parts::extensionDot(units);
+  const std::u16string_view stem = units.substr(0, dot),
+                            extension = dot == std::u16string_view::npos ? std::u16string_view()
+                                                                         : units.substr(dot);
+  // The digit run as the name forms find it (any decimal digit, general category Nd).
+  const String digits = decimalDigitSuffix(String(std::u16string(stem)));
+  std::size_t segment = stem.size() - digits.length();
+  if (digits.isEmpty() && !stem.empty()) segment = stem.size() - 1;
+  const String stepped = step(String(std::u16string(stem.substr(segment))));
+  std::u16string result(stem.substr(0, segment));
+  result.append(stepped.units());
+  result.append(extension);
+  return String(std::move(result));
+}
+
+}  // namespace
+
+String incrementLastSegmentOfFileName(const String& fileName) {
+  return stepFileName(fileName,
+                      [](const String& segment) { return incrementLastSegment(segment); });
+}
+
+String decrementLastSegmentOfFileName(const String& fileName) {
+  return stepFileName(fileName,
+                      [](const String& segment) { return decrementLastSegment(segment); });
+}
+
+String resetLastSegmentOfFileNameToIndex(const String& fileName, UInteger index) {
+  return stepFileName(
+      fileName, [index](const String& segment) { return resetLastSegmentToIndex(segment, index); });
+}
+
 }  // namespace tarnvik

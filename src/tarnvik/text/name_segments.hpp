@@ -2,6 +2,7 @@
 //
 //   incrementLastSegment(u"A001C009");   // "A001C010"
 //   resetLastSegmentToIndex(u"take07", 1);  // "take01"
+//   incrementLastSegmentOfFileName(u"A001C009.mov");  // "A001C010.mov"
 //
 // The last segment is the trailing run of decimal digits (general category Nd), or else the
 // last UTF-16 unit; the part before it is the stem.
@@ -23,5 +24,15 @@ String decrementLastSegment(const String& name);
 // The digit suffix replaced by the index, zero-padded to the old suffix's length; a name
 // without a digit suffix comes back unchanged.
 String resetLastSegmentToIndex(const String& name, UInteger index);
+
+// The same steps for a file name: the last segment of the name before its extension (the
+// last "." of the last path component, unless it starts the component) is stepped, and the
+// extension stays as it is: "A001C009.mov" -> "A001C010.mov", "take.mov" -> "takf.mov".
+// Only the segment goes through the stepping rule, so a "%" in the name is kept as it
+// stands. A name with nothing before its extension steps "" ("0.mov" going either way);
+// without an extension, these are incrementLastSegment and its kin.
+String incrementLastSegmentOfFileName(const String& fileName);
+String decrementLastSegmentOfFileName(const String& fileName);
+String resetLastSegmentOfFileNameToIndex(const String& fileName, UInteger index);
 
 }  // namespace tarnvik

@@ -5,23 +5,33 @@
 #include <string>
 #include <unordered_map>
 
+#include "tarnvik/text/internal/file_name_parts.hpp"
+
 namespace tarnvik {
 
 namespace {
 
-constexpr UInteger kSequenceOptions =
-    NSCaseInsensitiveSearch | NSNumericSearch | NSWidthInsensitiveSearch | NSForcedOrderingSearch;
+constexpr UInteger kNameOptions =
+    NSCaseInsensitiveSearch | NSNumericSearch | NSWidthInsensitiveSearch;
+constexpr UInteger kSequenceOptions = kNameOptions | NSForcedOrderingSearch;
 
 // The extension of the last path component as a view: the text after its last "." unless
 // that "." starts the component.
 std::u16string_view extensionOf(std::u16string_view path) {
   while (path.size() > 1 && path.back() == u'/') path.remove_suffix(1);
-  for (std::size_t at = path.size(); at-- > 0;) {
-    if (path[at] == u'/') return {};
-    if (path[at] == u'.')
-      return at == 0 || path[at - 1] == u'/' ? std::u16string_view() : path.substr(at + 1);
-  }
-  return {};
+  const std::size_t dot = file_name_parts::extensionDot(path);
+  return dot == std::u16string_view::npos ? std::u16string_view() : path.substr(dot + 1);
+}
+
+// A file name split before its extension's ".": the name, and the extension without the dot.
+struct FileNameParts {
+  std::u16string_view stem, extension;
+};
+
+FileNameParts partsOf(std::u16string_view name) {
+  const std::size_t dot = file_name_parts::extensionDot(name);
+  if (dot == std::u16string_view::npos) return {name, {}};
+  return {name.substr(0, dot), name.substr(dot + 1)};
 }
 
 }  // namespace
@@ -37,21 +47,37 @@ ComparisonResult compareUnitsForSequence(std::u16string_view name, std::u16strin
   return String::compareUnits(name, other, kSequenceOptions);
 }
 
+ComparisonResult compareFileNamesForSequence(const String& name, const String& other) {
+  return compareFileNameUnitsForSequence(name.units(), other.units());
+}
+
+ComparisonResult compareFileNameUnitsForSequence(std::u16string_view name,
+                                                 std::u16string_view other) {
+  const FileNameParts a = partsOf(name), b = partsOf(other);
+  if (const auto byName = String::compareUnits(a.stem, b.stem, kNameOptions);
+      byName != NSOrderedSame) {
+    return byName;
+  }
+  if (const auto byExtension =
+          String::compareUnits(a.extension, b.extension, NSCaseInsensitiveSearch);
+      byExtension != NSOrderedSame) {
+    return byExtension;
+  }
+  return String::compareUnits(name, other, 0);
+}
+
 namespace {
 
 bool isPrintableASCII(std::u16string_view text) {
   return std::all_of(text.begin(), text.end(), [](char16_t c) { return c >= 0x20 && c < 0x7F; });
 }
 
-// A byte key whose plain (memcmp) order is the sequence order, for names in printable ASCII:
-// the rank of the extension (two bytes), then the name with letters folded to lower case and
-// each digit run written as "0", the count of its significant digits and those digits.
-// Every digit lies in "0" to "9" and no other ASCII character does, so a run orders against
-// any other character as its first digit would. false for a run of more than 255
-// significant digits.
-bool appendSequenceKey(std::u16string_view name, std::uint16_t extensionRank, std::string& key) {
-  key.push_back(static_cast<char>(extensionRank >> 8));
-  key.push_back(static_cast<char>(extensionRank & 0xFF));
+// A byte key whose plain (memcmp) order is the case-insensitive, numeric order of names in
+// printable ASCII: the name with letters folded to lower case and each digit run written as
+// "0", the count of its significant digits and those digits. Every digit lies in "0" to "9"
+// and no other ASCII character does, so a run orders against any other character as its
+// first digit would. false for a run of more than 255 significant digits.
+bool appendNameKey(std::u16string_view name, std::string& key) {
   for (std::size_t i = 0; i < name.size();) {
     const char16_t c = name[i];
     if (c < u'0' || c > u'9') {
@@ -87,28 +113,51 @@ struct KeyedName {
   std::size_t index;
 };
 
-// The order through keys; empty when some name has no key (not printable ASCII, an
-// enormous digit run, too many extensions or too much text).
-std::vector<std::size_t> orderByKeys(std::span<const std::u16string_view> names) {
+// The sequence key: the rank of the extension (two bytes), then the name's key.
+bool appendSequenceKey(std::u16string_view name, std::uint16_t extensionRank, std::string& key) {
+  key.push_back(static_cast<char>(extensionRank >> 8));
+  key.push_back(static_cast<char>(extensionRank & 0xFF));
+  return appendNameKey(name, key);
+}
+
+// The file-name key: the key of the name before the extension, a zero byte (below every
+// printable character, so that a name orders before its longer forms), then the extension
+// folded to lower case. Where a digit run's count is zero the next byte is never a zero
+// byte's rival: it is a printable character or the end of the name.
+bool appendFileNameKey(std::u16string_view name, std::string& key) {
+  const FileNameParts parts = partsOf(name);
+  if (!appendNameKey(parts.stem, key)) return false;
+  key.push_back('\0');
+  for (const char16_t c : parts.extension)
+    key.push_back(static_cast<char>(c >= u'A' && c <= u'Z' ? c + 32 : c));
+  return true;
+}
+
+// The order through keys, sequence keys or file-name keys; empty when some name has no key
+// (not printable ASCII, an enormous digit run, too many extensions or too much text).
+std::vector<std::size_t> orderByKeys(std::span<const std::u16string_view> names, bool byFileName) {
   if (!std::all_of(names.begin(), names.end(), isPrintableASCII)) return {};
   // In printable ASCII the plain comparison of extensions is their unit order.
   std::unordered_map<std::u16string_view, std::uint16_t> ranks;
-  for (const auto name : names) ranks.emplace(extensionOf(name), 0);
-  if (ranks.size() > UINT16_MAX) return {};
-  std::vector<std::u16string_view> extensions;
-  for (const auto& entry : ranks) extensions.push_back(entry.first);
-  std::sort(extensions.begin(), extensions.end());
-  for (std::size_t r = 0; r < extensions.size(); ++r)
-    ranks[extensions[r]] = static_cast<std::uint16_t>(r);
+  if (!byFileName) {
+    for (const auto name : names) ranks.emplace(extensionOf(name), 0);
+    if (ranks.size() > UINT16_MAX) return {};
+    std::vector<std::u16string_view> extensions;
+    for (const auto& entry : ranks) extensions.push_back(entry.first);
+    std::sort(extensions.begin(), extensions.end());
+    for (std::size_t r = 0; r < extensions.size(); ++r)
+      ranks[extensions[r]] = static_cast<std::uint16_t>(r);
+  }
 
   std::string keys;
   std::vector<KeyedName> keyed;
   keyed.reserve(names.size());
   for (std::size_t i = 0; i < names.size(); ++i) {
     const std::size_t start = keys.size();
-    if (!appendSequenceKey(names[i], ranks[extensionOf(names[i])], keys) ||
-        keys.size() > UINT32_MAX)
-      return {};
+    const bool hasKey = byFileName
+                            ? appendFileNameKey(names[i], keys)
+                            : appendSequenceKey(names[i], ranks[extensionOf(names[i])], keys);
+    if (!hasKey || keys.size() > UINT32_MAX) return {};
     const std::string_view key = std::string_view(keys).substr(start);
     keyed.push_back({{keyWord(key, 0), keyWord(key, 8)},
                      static_cast<std::uint32_t>(start),
@@ -131,16 +180,30 @@ std::vector<std::size_t> orderByKeys(std::span<const std::u16string_view> names)
 
 }  // namespace
 
-std::vector<std::size_t> sequenceOrder(std::span<const std::u16string_view> names) {
-  std::vector<std::size_t> order = orderByKeys(names);
+namespace {
+
+template <class Compare>
+std::vector<std::size_t> orderOf(std::span<const std::u16string_view> names, bool byFileName,
+                                 Compare compare) {
+  std::vector<std::size_t> order = orderByKeys(names, byFileName);
   if (!names.empty() && order.empty()) {
     order.resize(names.size());
     for (std::size_t i = 0; i < names.size(); ++i) order[i] = i;
     std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-      return compareUnitsForSequence(names[a], names[b]) == NSOrderedAscending;
+      return compare(names[a], names[b]) == NSOrderedAscending;
     });
   }
   return order;
+}
+
+}  // namespace
+
+std::vector<std::size_t> sequenceOrder(std::span<const std::u16string_view> names) {
+  return orderOf(names, false, compareUnitsForSequence);
+}
+
+std::vector<std::size_t> fileNameSequenceOrder(std::span<const std::u16string_view> names) {
+  return orderOf(names, true, compareFileNameUnitsForSequence);
 }
 
 ComparisonResult caseInsensitiveNumericalCompare(const String& name, const String& other) {
