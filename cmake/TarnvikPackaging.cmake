@@ -29,3 +29,8 @@ file(RELATIVE_PATH tarnvik_pc_prefix_from_pcdir "/${CMAKE_INSTALL_LIBDIR}/pkgcon
 string(REGEX REPLACE "/$" "" tarnvik_pc_prefix_from_pcdir "${tarnvik_pc_prefix_from_pcdir}")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/tarnvik.pc.in ${PROJECT_BINARY_DIR}/tarnvik.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/tarnvik.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# The platform layer's guide (which floor each piece is on and what stands behind it) goes
+# beside its headers.
+install(FILES ${PROJECT_SOURCE_DIR}/src/tarnvik/platform/README.md
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarnvik/platform)

@@ -19,8 +19,10 @@ namespace tarnvik {
 Data gzipPackedData(const Data& data);
 // The bytes of a gzip- or zlib-wrapped stream (detected from its header); input after the
 // first stream's end is ignored. Empty data returns the receiver itself; nil for raw
-// deflate data, a truncated or corrupt stream, or one whose output outgrows the buffer
-// rule (see the source).
+// deflate data, a truncated or corrupt stream, or one whose output outgrows its buffer: the
+// buffer starts at the input's length plus half of it and grows by that half, the half
+// taken from the length modulo 2^32, so an input whose length modulo 2^32 is 0 or 1 cannot
+// unpack to more than its own length.
 Data gzipUnpackedData(const Data& data);
 // The same, and on failure an error (NSCocoaErrorDomain, 259) whose failure reason is
 // zlib's message ("zlib: incorrect header check") or says that the stream is cut short.
