@@ -42,7 +42,7 @@ TEST(IndexSet, TheLargestIndexesNeverWrapAround) {
   EXPECT_EQ(testing::raised([&] {
               s.addIndexesInRange({kLargest, 2});
             }),
-            "NSRangeException: *** -[NSMutableIndexSet addIndexesInRange:]: Range "
+            "NSRangeException: IndexSet::addIndexesInRange: Range "
             "{18446744073709551615, 2} exceeds the largest index");
   IndexSet all = IndexSet::indexSetWithIndexesInRange({0, kLargest});
   EXPECT_EQ(all.count(), kLargest);

@@ -56,7 +56,7 @@ TEST(String, SubstringsCheckTheirRange) {
   EXPECT_EQ(testing::raised([&] {
               s.substringWithRange({7, 2});
             }),
-            "NSRangeException: -[NSString substringWithRange:]: Range {7, 2} out of bounds; "
+            "NSRangeException: String::substringWithRange: Range {7, 2} out of bounds; "
             "string length 8");
   EXPECT_THROW(s.substringWithRange({NSNotFound, 1}), Exception);
   EXPECT_THROW(s.characterAtIndex(8), Exception);

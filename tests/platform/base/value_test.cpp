@@ -66,7 +66,7 @@ TEST(Value, NilNullAndEmptyAreDistinct) {
 
 TEST(Value, CompareRefusesMixedKinds) {
   EXPECT_EQ(testing::raised([] { Value(1).compare(Value(u"1")); }),
-            "NSInvalidArgumentException: -[NSNumber compare:]: cannot compare with NSString");
+            "NSInvalidArgumentException: Value::compare: cannot compare NSNumber with NSString");
   EXPECT_EQ(Value(u"a").compare(Value(u"b")), NSOrderedAscending);
   EXPECT_EQ(Value(Date{5}).compare(Value(Date{1})), NSOrderedDescending);
 }

@@ -16,26 +16,25 @@ const std::vector<Value>& emptyValues() {
 
 [[noreturn]] void raiseIndex(const char* operation, UInteger index, UInteger count) {
   if (count == 0) {
-    throw Exception(NSRangeException, message::build("*** ", operation, ": index ", index,
-                                                     " beyond bounds for empty array"));
+    throw Exception(NSRangeException,
+                    message::build(operation, ": index ", index, " beyond bounds for empty array"));
   }
-  throw Exception(NSRangeException, message::build("*** ", operation, ": index ", index,
+  throw Exception(NSRangeException, message::build(operation, ": index ", index,
                                                    " beyond bounds [0 .. ", count - 1, "]"));
 }
 
 void requireObject(const Value& object, const char* operation) {
   if (object.isNil()) {
     throw Exception(NSInvalidArgumentException,
-                    message::build("*** ", operation, ": object cannot be nil"));
+                    message::build(operation, ": object cannot be nil"));
   }
 }
 
 void requireRange(Range range, UInteger count, const char* operation) {
   if (!rangeFitsInLength(range, count)) {
-    throw Exception(
-        NSRangeException,
-        message::build("*** ", operation, ": range {", range.location, ", ", range.length,
-                       "} extends beyond bounds [0 .. ", count == 0 ? 0 : count - 1, "]"));
+    throw Exception(NSRangeException, message::build(operation, ": range {", range.location, ", ",
+                                                     range.length, "} extends beyond bounds [0 .. ",
+                                                     count == 0 ? 0 : count - 1, "]"));
   }
 }
 
@@ -53,7 +52,7 @@ Array::Array(std::initializer_list<Value> values) : Array(std::vector<Value>(val
 
 Array::Array(std::vector<Value> values)
     : storage_(std::make_shared<std::vector<Value>>(std::move(values))) {
-  for (const Value& v : *storage_) requireObject(v, "-[NSArray initWithObjects:count:]");
+  for (const Value& v : *storage_) requireObject(v, "Array::Array");
 }
 
 Array Array::array() { return arrayWithCapacity(0); }
@@ -68,7 +67,7 @@ Array Array::arrayWithCapacity(UInteger capacity) {
 const std::vector<Value>& Array::values() const { return storage_ ? *storage_ : emptyValues(); }
 
 const Value& Array::objectAtIndex(UInteger index) const {
-  if (index >= count()) raiseIndex("-[NSArray objectAtIndex:]", index, count());
+  if (index >= count()) raiseIndex("Array::objectAtIndex", index, count());
   return (*storage_)[index];
 }
 
@@ -85,19 +84,19 @@ UInteger Array::indexOfObject(const Value& object) const {
   return indexOfObject(object, {0, count()});
 }
 UInteger Array::indexOfObject(const Value& object, Range range) const {
-  requireRange(range, count(), "-[NSArray indexOfObject:inRange:]");
+  requireRange(range, count(), "Array::indexOfObject");
   return findIndex(values(), range, [&](const Value& v) { return v.isEqual(object); });
 }
 UInteger Array::indexOfObjectIdenticalTo(const Value& object) const {
   return indexOfObjectIdenticalTo(object, {0, count()});
 }
 UInteger Array::indexOfObjectIdenticalTo(const Value& object, Range range) const {
-  requireRange(range, count(), "-[NSArray indexOfObjectIdenticalTo:inRange:]");
+  requireRange(range, count(), "Array::indexOfObjectIdenticalTo");
   return findIndex(values(), range, [&](const Value& v) { return v.isIdenticalTo(object); });
 }
 
 Array Array::subarrayWithRange(Range range) const {
-  requireRange(range, count(), "-[NSArray subarrayWithRange:]");
+  requireRange(range, count(), "Array::subarrayWithRange");
   const auto first = values().begin() + static_cast<std::ptrdiff_t>(range.location);
   return Array(std::vector<Value>(first, first + static_cast<std::ptrdiff_t>(range.length)));
 }
@@ -157,12 +156,12 @@ std::vector<Value>& Array::mutableValues() {
 }
 
 void Array::addObject(const Value& object) {
-  requireObject(object, "-[NSMutableArray addObject:]");
+  requireObject(object, "Array::addObject");
   mutableValues().push_back(object);
 }
 void Array::insertObject(const Value& object, UInteger index) {
-  requireObject(object, "-[NSMutableArray insertObject:atIndex:]");
-  if (index > count()) raiseIndex("-[NSMutableArray insertObject:atIndex:]", index, count());
+  requireObject(object, "Array::insertObject");
+  if (index > count()) raiseIndex("Array::insertObject", index, count());
   auto& v = mutableValues();
   v.insert(v.begin() + static_cast<std::ptrdiff_t>(index), object);
 }
@@ -172,18 +171,17 @@ void Array::addObjectsFromArray(const Array& other) {
   v.insert(v.end(), keep.begin(), keep.end());
 }
 void Array::replaceObjectAtIndex(UInteger index, const Value& object) {
-  requireObject(object, "-[NSMutableArray replaceObjectAtIndex:withObject:]");
-  if (index >= count())
-    raiseIndex("-[NSMutableArray replaceObjectAtIndex:withObject:]", index, count());
+  requireObject(object, "Array::replaceObjectAtIndex");
+  if (index >= count()) raiseIndex("Array::replaceObjectAtIndex", index, count());
   mutableValues()[index] = object;
 }
 void Array::removeObjectAtIndex(UInteger index) {
-  if (index >= count()) raiseIndex("-[NSMutableArray removeObjectAtIndex:]", index, count());
+  if (index >= count()) raiseIndex("Array::removeObjectAtIndex", index, count());
   auto& v = mutableValues();
   v.erase(v.begin() + static_cast<std::ptrdiff_t>(index));
 }
 void Array::removeLastObject() {
-  if (isEmpty()) raiseIndex("-[NSMutableArray removeLastObject]", 0, 0);
+  if (isEmpty()) raiseIndex("Array::removeLastObject", 0, 0);
   mutableValues().pop_back();
 }
 void Array::removeObject(const Value& object) {
@@ -195,17 +193,15 @@ void Array::removeObjectIdenticalTo(const Value& object) {
   std::erase_if(mutableValues(), [&](const Value& v) { return v.isIdenticalTo(object); });
 }
 void Array::removeObjectsInRange(Range range) {
-  requireRange(range, count(), "-[NSMutableArray removeObjectsInRange:]");
+  requireRange(range, count(), "Array::removeObjectsInRange");
   auto& v = mutableValues();
   const auto first = v.begin() + static_cast<std::ptrdiff_t>(range.location);
   v.erase(first, first + static_cast<std::ptrdiff_t>(range.length));
 }
 void Array::removeAllObjects() { mutableValues().clear(); }
 void Array::exchangeObjectAtIndex(UInteger index, UInteger otherIndex) {
-  if (index >= count())
-    raiseIndex("-[NSMutableArray exchangeObjectAtIndex:withObjectAtIndex:]", index, count());
-  if (otherIndex >= count())
-    raiseIndex("-[NSMutableArray exchangeObjectAtIndex:withObjectAtIndex:]", otherIndex, count());
+  if (index >= count()) raiseIndex("Array::exchangeObjectAtIndex", index, count());
+  if (otherIndex >= count()) raiseIndex("Array::exchangeObjectAtIndex", otherIndex, count());
   auto& v = mutableValues();
   std::swap(v[index], v[otherIndex]);
 }

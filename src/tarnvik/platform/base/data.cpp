@@ -24,8 +24,8 @@ std::shared_ptr<DataStorage> bufferStorage(ByteBuffer bytes) {
 void requireRange(Range range, UInteger length, const char* operation) {
   if (!rangeFitsInLength(range, length)) {
     throw Exception(NSRangeException,
-                    message::build("*** ", operation, ": range {", range.location, ", ",
-                                   range.length, "} exceeds data length ", length));
+                    message::build(operation, ": range {", range.location, ", ", range.length,
+                                   "} exceeds data length ", length));
   }
 }
 
@@ -80,12 +80,12 @@ const std::uint8_t* Data::bytes() const {
 }
 
 Data Data::subdataWithRange(Range range) const {
-  requireRange(range, length(), "-[NSData subdataWithRange:]");
+  requireRange(range, length(), "Data::subdataWithRange");
   return withBytes(bytes() + range.location, range.length);
 }
 
 Data Data::subdataWithRangeNoCopy(Range range) const {
-  requireRange(range, length(), "-[NSData subdataWithRange:]");
+  requireRange(range, length(), "Data::subdataWithRange");
   if (isNil()) return Data();
   auto view = std::make_shared<DataStorage>();
   view->owner = storage_->owner;
@@ -148,7 +148,7 @@ void Data::setLength(UInteger length) {
 }
 
 void Data::replaceBytesInRange(Range range, const void* bytes, UInteger length) {
-  requireRange(range, this->length(), "-[NSMutableData replaceBytesInRange:withBytes:length:]");
+  requireRange(range, this->length(), "Data::replaceBytesInRange");
   const auto* first = static_cast<const std::uint8_t*>(bytes);
   const ByteBuffer incoming(first, first + length);
   ByteBuffer& buffer = detach();

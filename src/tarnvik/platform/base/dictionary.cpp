@@ -28,13 +28,12 @@ const std::vector<Dictionary::Entry>& emptyEntries() {
 
 void requireKeyAndObject(const Value& object, const Value& key, const char* operation) {
   if (key.isNil()) {
-    throw Exception(NSInvalidArgumentException,
-                    message::build("*** ", operation, ": key cannot be nil"));
+    throw Exception(NSInvalidArgumentException, message::build(operation, ": key cannot be nil"));
   }
   if (object.isNil()) {
     throw Exception(
         NSInvalidArgumentException,
-        message::build("*** ", operation, ": object cannot be nil (key: ", key.description(), ")"));
+        message::build(operation, ": object cannot be nil (key: ", key.description(), ")"));
   }
 }
 
@@ -123,7 +122,7 @@ DictionaryStorage& Dictionary::mutableStorage() {
 }
 
 void Dictionary::setObject(const Value& object, const Value& key) {
-  requireKeyAndObject(object, key, "-[NSMutableDictionary setObject:forKey:]");
+  requireKeyAndObject(object, key, "Dictionary::setObject");
   auto& s = mutableStorage();
   const std::size_t found = s.find(key);
   if (found != ValueIndex::npos) {

@@ -32,10 +32,9 @@ namespace {
 UInteger lastOf(const Range& r) { return r.location + (r.length - 1); }
 
 [[noreturn]] void raiseBeyondLargest(Range range) {
-  throw Exception(
-      NSRangeException,
-      message::build("*** -[NSMutableIndexSet addIndexesInRange:]: Range {", range.location, ", ",
-                     range.length, "} exceeds the largest index"));
+  throw Exception(NSRangeException,
+                  message::build("IndexSet::addIndexesInRange: Range {", range.location, ", ",
+                                 range.length, "} exceeds the largest index"));
 }
 
 }  // namespace

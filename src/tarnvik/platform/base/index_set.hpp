@@ -27,8 +27,8 @@ class IndexSet {
   const std::vector<Range>& ranges() const { return ranges_; }
 
   // A range whose last index would pass the largest 64-bit value, or that would leave the
-  // set holding all 2^64 indexes, raises NSRangeException ("*** -[NSMutableIndexSet
-  // addIndexesInRange:]: Range {loc, len} exceeds the largest index").
+  // set holding all 2^64 indexes, raises NSRangeException ("IndexSet::addIndexesInRange:
+  // Range {loc, len} exceeds the largest index").
   void addIndex(UInteger index) { addIndexesInRange({index, 1}); }
   void addIndexesInRange(Range range);
   void removeIndex(UInteger index);

@@ -73,7 +73,7 @@ Value MapTable::objectForKey(const Value& key) const {
 void MapTable::setObject(const Value& object, const Value& key) {
   if (key.isNil() || object.isNil()) {
     throw Exception(NSInvalidArgumentException,
-                    u"*** -[NSMapTable setObject:forKey:]: key and object must not be nil");
+                    u"MapTable::setObject: key and object must not be nil");
   }
   const auto found = storage_->find(key);
   if (found != storage_->entries.end()) {

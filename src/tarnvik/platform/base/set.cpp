@@ -86,8 +86,7 @@ UniqueStorage& UniqueCollection::mutableStorage() {
 
 void UniqueCollection::addObject(const Value& object) {
   if (object.isNil()) {
-    throw Exception(NSInvalidArgumentException,
-                    u"*** -[NSMutableSet addObject:]: object cannot be nil");
+    throw Exception(NSInvalidArgumentException, u"Set::addObject: object cannot be nil");
   }
   if (containsObject(object)) return;
   mutableStorage().add(object);
@@ -177,8 +176,8 @@ OrderedSet OrderedSet::orderedSetWithArray(const Array& array) {
 
 const Value& OrderedSet::objectAtIndex(UInteger index) const {
   if (index >= count()) {
-    throw Exception(NSRangeException, message::build("*** -[NSOrderedSet objectAtIndex:]: index ",
-                                                     index, " beyond bounds [0 .. ",
+    throw Exception(NSRangeException, message::build("OrderedSet::objectAtIndex: index ", index,
+                                                     " beyond bounds [0 .. ",
                                                      static_cast<Integer>(count()) - 1, "]"));
   }
   return storage_->values[index];
@@ -203,13 +202,11 @@ OrderedSet OrderedSet::copy() const { return OrderedSet(copyStorage()); }
 
 void OrderedSet::insertObject(const Value& object, UInteger index) {
   if (index > count()) {
-    throw Exception(NSRangeException,
-                    message::build("*** -[NSMutableOrderedSet insertObject:atIndex:]: index ",
-                                   index, " beyond bounds [0 .. ", count(), "]"));
+    throw Exception(NSRangeException, message::build("OrderedSet::insertObject: index ", index,
+                                                     " beyond bounds [0 .. ", count(), "]"));
   }
   if (object.isNil()) {
-    throw Exception(NSInvalidArgumentException,
-                    u"*** -[NSMutableOrderedSet insertObject:atIndex:]: object cannot be nil");
+    throw Exception(NSInvalidArgumentException, u"OrderedSet::insertObject: object cannot be nil");
   }
   if (containsObject(object)) return;
   auto& s = mutableStorage();

@@ -84,7 +84,7 @@ String String::withCodePoint(char32_t codePoint) {
 
 char16_t String::characterAtIndex(UInteger index) const {
   if (index >= length()) {
-    throw Exception(NSRangeException, message::build("-[NSString characterAtIndex:]: Index ", index,
+    throw Exception(NSRangeException, message::build("String::characterAtIndex: Index ", index,
                                                      " out of bounds; string length ", length()));
   }
   return (*storage_)[index];
@@ -93,12 +93,12 @@ char16_t String::characterAtIndex(UInteger index) const {
 std::string String::utf8() const { return unicode::toUTF8(units()); }
 
 String String::substringFromIndex(UInteger from) const {
-  if (from > length()) checkRangeInLength({from, 0}, length(), "-[NSString substringFromIndex:]");
+  if (from > length()) checkRangeInLength({from, 0}, length(), "String::substringFromIndex");
   return substringWithRange({from, length() - from});
 }
 String String::substringToIndex(UInteger to) const { return substringWithRange({0, to}); }
 String String::substringWithRange(Range range) const {
-  checkRangeInLength(range, length(), "-[NSString substringWithRange:]");
+  checkRangeInLength(range, length(), "String::substringWithRange");
   if (isNil()) return String();
   if (range.location == 0 && range.length == length()) return *this;
   return String(units().substr(range.location, range.length));
@@ -135,7 +135,7 @@ Range String::rangeOfString(const String& target, UInteger options) const {
   return rangeOfString(target, options, {0, length()});
 }
 Range String::rangeOfString(const String& target, UInteger options, Range range) const {
-  checkRangeInLength(range, length(), "-[NSString rangeOfString:options:range:]");
+  checkRangeInLength(range, length(), "String::rangeOfString");
   const auto text = units().substr(range.location, range.length);
   const auto needle = target.units();
   const Range notFound{NSNotFound, 0};
@@ -167,7 +167,7 @@ Range String::rangeOfCharacterFromSet(const CharacterSet& set, UInteger options)
 }
 Range String::rangeOfCharacterFromSet(const CharacterSet& set, UInteger options,
                                       Range range) const {
-  checkRangeInLength(range, length(), "-[NSString rangeOfCharacterFromSet:options:range:]");
+  checkRangeInLength(range, length(), "String::rangeOfCharacterFromSet");
   const auto text = units();
   const bool backwards = options & NSBackwardsSearch;
   const bool anchored = options & NSAnchoredSearch;
@@ -310,14 +310,13 @@ void String::insertString(const String& other, UInteger index) {
 }
 void String::deleteCharactersInRange(Range range) { replaceCharactersInRange(range, String()); }
 void String::replaceCharactersInRange(Range range, const String& replacement) {
-  checkRangeInLength(range, length(), "-[NSMutableString replaceCharactersInRange:withString:]");
+  checkRangeInLength(range, length(), "String::replaceCharactersInRange");
   mutableUnits().replace(range.location, range.length, replacement.units());
 }
 
 UInteger String::replaceOccurrencesOfString(const String& target, const String& replacement,
                                             UInteger options, Range range) {
-  checkRangeInLength(range, length(),
-                     "-[NSMutableString replaceOccurrencesOfString:withString:options:range:]");
+  checkRangeInLength(range, length(), "String::replaceOccurrencesOfString");
   if (target.isEmpty()) return 0;
   const bool backwards = options & NSBackwardsSearch;
   const UInteger searchOptions = options & ~NSBackwardsSearch;

@@ -191,7 +191,7 @@ ComparisonResult String::compare(const String& other, UInteger options) const {
 }
 
 ComparisonResult String::compare(const String& other, UInteger options, Range range) const {
-  checkRangeInLength(range, length(), "-[NSString compare:options:range:]");
+  checkRangeInLength(range, length(), "String::compare");
   return compareUnits(units().substr(range.location, range.length), other.units(), options);
 }
 

@@ -360,7 +360,7 @@ ComparisonResult Value::compare(const Value& other) const {
              other.asDate().timeIntervalSinceReferenceDate);
   } else {
     throw Exception(NSInvalidArgumentException,
-                    message::build(u"-[", className(), u" compare:]: cannot compare with ",
+                    message::build(u"Value::compare: cannot compare ", className(), u" with ",
                                    other.isNil() ? String(u"nil") : other.className()));
   }
   return static_cast<ComparisonResult>(c);

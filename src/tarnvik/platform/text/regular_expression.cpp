@@ -99,8 +99,7 @@ UInteger RegularExpression::numberOfCaptureGroups() const {
 
 void RegularExpression::enumerateMatchesInString(const String& text, UInteger options, Range range,
                                                  const MatchBlock& block) const {
-  checkRangeInLength(range, text.length(),
-                     "-[NSRegularExpression enumerateMatchesInString:options:range:usingBlock:]");
+  checkRangeInLength(range, text.length(), "RegularExpression::enumerateMatchesInString");
   if (!compiled_) return;
   UErrorCode status = U_ZERO_ERROR;
   const icu::UnicodeString input = icu_text::alias(text);

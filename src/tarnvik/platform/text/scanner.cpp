@@ -14,7 +14,7 @@ Scanner::Scanner(const String& text)
 void Scanner::setScanLocation(UInteger location) {
   if (location > text_.length()) {
     throw Exception(NSRangeException,
-                    stringWithFormat(u"*** -[NSScanner setScanLocation:]: Index %lu out of "
+                    stringWithFormat(u"Scanner::setScanLocation: Index %lu out of "
                                      u"bounds; string length %lu",
                                      location, text_.length()));
   }

@@ -1,7 +1,7 @@
 // Exception and error texts for the lowest floors of the platform, built by plain
 // concatenation so that the base types need no format engine. Not installed.
 //
-//   message::build("*** ", operation, ": index ", index, " beyond bounds");
+//   message::build(operation, ": index ", index, " beyond bounds");
 #pragma once
 
 #include <charconv>
