@@ -38,4 +38,5 @@
 #include "tarnvik/text/unique_names.hpp"
 #include "tarnvik/time/dates.hpp"
 #include "tarnvik/time/durations.hpp"
+#include "tarnvik/time/media_timecodes.hpp"
 #include "tarnvik/zip/zip_archive.hpp"
