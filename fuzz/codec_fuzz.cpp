@@ -1,4 +1,7 @@
 // Bytes from outside: hex texts, base64, gzip streams and AES ciphertext.
+#include <cstdlib>
+#include <sstream>
+
 #include "fuzz_input.hpp"
 #include "tarnvik/codec/aes.hpp"
 #include "tarnvik/codec/gzip.hpp"
@@ -22,7 +25,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       fuzz::guarded([&] { (void)base64DecodedString(String::fromUTF8Lossy(rest)); });
       break;
     case 2:
-      fuzz::guarded([&] { (void)gzipUnpackedData(bytes); });
+      fuzz::guarded([&] {
+        // The streamed form must give what the whole-buffer form gives.
+        const Data whole = gzipUnpackedData(bytes);
+        std::istringstream packed{std::string(rest)};
+        std::ostringstream unpacked;
+        const bool streamed = gzipUnpackStream(packed, unpacked);
+        if (streamed == whole.isNil() || (streamed && unpacked.str() != whole.asStringView())) {
+          std::abort();
+        }
+      });
       break;
     default:
       fuzz::guarded([&] { (void)AES256DecryptWithKey(bytes, u"key"); });
