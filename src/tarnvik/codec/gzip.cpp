@@ -253,15 +253,11 @@ bool unpackBlocks(const BlockReader& read, const BlockWriter& write, Error* erro
   }
 }
 
-// Runs the packer or unpacker from one file into a temporary file beside the other, renamed
-// into place when complete.
+// Runs the packer or unpacker from one file into the other, written atomically.
 bool transformFile(const String& path, const String& toPath, Error* error, FileManager& fileManager,
                    bool pack) {
   FileHandle input = fileManager.openFileForReadingAtPath(path, error);
   if (!input.isOpen()) return false;
-  FileHandle output = fileManager.createTemporaryFileNearPath(toPath, error);
-  if (!output.isOpen()) return false;
-  const String written = output.path();
   const BlockReader read = [&](std::uint8_t* buffer, std::size_t capacity, std::size_t* length,
                                Error* failure) {
     UInteger got = 0;
@@ -269,18 +265,16 @@ bool transformFile(const String& path, const String& toPath, Error* error, FileM
     *length = static_cast<std::size_t>(got);
     return ok;
   };
-  const BlockWriter write = [&](const std::uint8_t* bytes, std::size_t length, Error* failure) {
-    return fileManager.writeBytes(output, bytes, length, failure);
-  };
-  const bool complete =
-      (pack ? packBlocks(read, write, error) : unpackBlocks(read, write, error, path)) &&
-      fileManager.synchronizeFile(output, error) && fileManager.closeFile(output, error) &&
-      fileManager.renameItemAtPath(written, toPath, error);
-  if (!complete) {
-    output = FileHandle();  // closed before its name goes
-    fileManager.removeItemAtPath(written);
-  }
-  return complete;
+  return fileManager.writeFileToPath(
+      toPath, true,
+      [&](FileHandle& output, Error* failure) {
+        const BlockWriter write = [&](const std::uint8_t* bytes, std::size_t length,
+                                      Error* writeFailure) {
+          return fileManager.writeBytes(output, bytes, length, writeFailure);
+        };
+        return pack ? packBlocks(read, write, failure) : unpackBlocks(read, write, failure, path);
+      },
+      error);
 }
 
 BlockReader streamReader(std::istream& in) {

@@ -251,12 +251,23 @@ Data FileManager::contentsAtPath(const String& path, UInteger options, Error* er
 
 bool FileManager::writeDataToPath(const Data& data, const String& path, bool atomically,
                                   Error* error) {
+  return writeFileToPath(
+      path, atomically,
+      [&](FileHandle& file, Error* failure) {
+        return writeBytes(file, data.bytes(), data.length(), failure);
+      },
+      error);
+}
+
+bool FileManager::writeFileToPath(const String& path, bool atomically,
+                                  const std::function<bool(FileHandle&, Error*)>& write,
+                                  Error* error) {
   FileHandle file =
       atomically ? createTemporaryFileNearPath(path, error) : openFileForWritingAtPath(path, error);
   if (!file.isOpen()) return false;
   const String written = file.path();
-  const bool complete = writeBytes(file, data.bytes(), data.length(), error) &&
-                        (!atomically || synchronizeFile(file, error)) && closeFile(file, error) &&
+  const bool complete = write(file, error) && (!atomically || synchronizeFile(file, error)) &&
+                        closeFile(file, error) &&
                         (!atomically || renameItemAtPath(written, path, error));
   if (!complete && atomically) {
     file = FileHandle();  // closed before its name goes

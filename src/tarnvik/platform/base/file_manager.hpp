@@ -16,6 +16,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -170,6 +171,11 @@ class FileManager {
   // until the new one is complete, and no temporary file is left behind after a failure.
   // Built on the handle primitives below. Write codes.
   bool writeDataToPath(const Data& data, const String& path, bool atomically,
+                       Error* error = nullptr);
+  // The same steps for bytes made piece by piece: `write` writes them to the open file
+  // (with writeBytes) and answers false, with the error, to give up.
+  bool writeFileToPath(const String& path, bool atomically,
+                       const std::function<bool(FileHandle& file, Error* error)>& write,
                        Error* error = nullptr);
 
   // ---- Open files (the steps of a streamed read or write) ----
