@@ -23,8 +23,8 @@ struct MapTableStorage;
 
 // Weak memory holds Object references weakly: an entry whose weak key or value has gone
 // away is no longer there. Other kinds of values are always held strongly. Entries keep
-// their insertion order; lookups walk the entries, which suits the small tables maps of
-// live objects are. A MapTable is a reference: copies share the table.
+// their insertion order; lookups go through a hash index. A MapTable is a reference: copies
+// share the table.
 class MapTable {
  public:
   MapTable(UInteger keyOptions, UInteger valueOptions);
