@@ -91,10 +91,11 @@ TEST(PatternTest, AnchoredAtTheStartOnly) {
   EXPECT_TRUE(matchesRegularExpressionPattern(u"clip01", u"clip"));
   EXPECT_FALSE(matchesRegularExpressionPattern(u"my clip", u"clip"));
   EXPECT_FALSE(matchesRegularExpressionPattern(u"clip01", u"clip$"));
-  EXPECT_THAT(testing::raised([] { matchesRegularExpressionPattern(u"clip", u"(unclosed"); }),
-              ::testing::StartsWith("NSInternalInconsistencyException: could not compile regex "
-                                    "pattern '(unclosed': Error Domain=NSCocoaErrorDomain "
-                                    "Code=2048"));
+  const std::string raised =
+      testing::raised([] { matchesRegularExpressionPattern(u"clip", u"(unclosed"); });
+  EXPECT_THAT(raised, ::testing::StartsWith("NSInternalInconsistencyException: could not compile "
+                                            "regex pattern '(unclosed': <NSError 0x"));
+  EXPECT_THAT(raised, ::testing::HasSubstr(">\n\t domain: NSCocoaErrorDomain\n\t code: 2048\n"));
 }
 
 }  // namespace

@@ -49,19 +49,111 @@ Error Error::underlyingError() const {
 
 String Error::description() const {
   if (isNil()) return u"(null)";
-  String text = message::build(u"Error Domain=", domain(), u" Code=", code(), u" \"",
-                               localizedDescription(), u"\"");
-  if (!storage_->userInfo.isEmpty()) {
-    text.appendString(u" UserInfo={");
-    bool first = true;
-    for (const auto& [key, value] : storage_->userInfo) {
-      if (!first) text.appendString(u", ");
-      first = false;
-      text.appendString(message::build(key.description(), u"=", value.description()));
-    }
-    text.appendString(u"}");
+  if (domain() == String(NSCocoaErrorDomain) && code() == NSValidationMultipleErrorsError)
+    return coreDataErrorDescription();
+  return standardErrorDescription();
+}
+
+namespace {
+
+// The lines every description starts with: "<Class 0x...>", the domain (when there is one),
+// the code and the user info.
+std::u16string descriptionHeader(const Error& error, const void* identity) {
+  std::u16string out;
+  message::append(out, u"<");
+  message::append(out, error.className());
+  message::append(out, u" ");
+  message::append(out, message::Pointer{identity});
+  message::append(out, u">\n");
+  if (!error.domain().isNil()) {
+    message::append(out, u"\t domain: ");
+    message::append(out, error.domain());
+    message::append(out, u"\n");
   }
-  return text;
+  message::append(out, u"\t code: ");
+  message::append(out, error.code());
+  message::append(out, u"\n\t userInfo: ");
+  const Dictionary userInfo = error.userInfo();
+  message::append(out, Value(userInfo).description());
+  message::append(out, u"\n");
+  return out;
+}
+
+}  // namespace
+
+String Error::standardErrorDescription() const {
+  if (isNil()) return u"(null)";
+  std::u16string out = descriptionHeader(*this, storage_.get());
+  // "Desciption" is how this line has always been labelled; readers match it.
+  message::append(out, u"\t localizedDesciption: ");
+  message::append(out, localizedDescription());
+  message::append(out, u"\n\t errorName: ");
+  message::append(out, errorName());
+  message::append(out, u"\n");
+  return String(std::move(out));
+}
+
+String Error::coreDataErrorDescription() const {
+  if (isNil()) return u"(null)";
+  std::u16string out = descriptionHeader(*this, storage_.get());
+  if (code() != NSValidationMultipleErrorsError) {
+    message::append(out, u"\t errorName:");
+    message::append(out, errorName());
+    message::append(out, u"\n");
+    return String(std::move(out));
+  }
+  const Array detailed = userInfo().objectForKey(NSDetailedErrorsKey).asArray();
+  if (!detailed.isNil()) {
+    for (const Value& element : detailed) {
+      const Error error = element.asError();
+      message::append(out, u"\t detailed error");
+      message::append(out, u"\t error : ");
+      message::append(out, element.description());
+      message::append(out, u", ");
+      message::append(out,
+                      error.isNil() ? String(u"(null)") : Value(error.userInfo()).description());
+      message::append(out, u"\t errorName: ");
+      message::append(out, error.errorName());
+      message::append(out, u"\n");
+    }
+  }
+  return String(std::move(out));
+}
+
+String Error::errorName() const {
+  if (domain() != String(NSCocoaErrorDomain)) return String(u"");
+  switch (code()) {
+    case 1550:
+      return u"NSManagedObjectValidationError";
+    case 1560:
+      return u"NSValidationMultipleErrorsError";
+    case 1570:
+      return u"NSValidationMissingMandatoryPropertyError";
+    case 1580:
+      return u"NSValidationRelationshipLacksMinimumCountError";
+    case 1590:
+      return u"NSValidationRelationshipExceedsMaximumCountError";
+    case 1600:
+      return u"NSValidationRelationshipDeniedDeleteError";
+    case 1610:
+      return u"NSValidationNumberTooLargeError";
+    case 1620:
+      return u"NSValidationNumberTooSmallError";
+    case 1630:
+      return u"NSValidationDateTooLateError";
+    case 1640:
+      return u"NSValidationDateTooSoonError";
+    case 1650:
+      return u"NSValidationInvalidDateError";
+    case 1660:
+      return u"NSValidationStringTooLongError";
+    case 1670:
+      return u"NSValidationStringTooShortError";
+    case 1680:
+      return u"NSValidationStringPatternMatchingError";
+    default:
+      return u"Unknown";
+  }
 }
 
 bool Error::isEqual(const Error& other) const {

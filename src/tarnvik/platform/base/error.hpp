@@ -21,6 +21,10 @@ inline constexpr char16_t NSDetailedErrorsKey[] = u"NSDetailedErrors";
 inline constexpr char16_t NSCocoaErrorDomain[] = u"NSCocoaErrorDomain";
 // The code in NSCocoaErrorDomain of an operation its caller cancelled.
 inline constexpr Integer NSUserCancelledError = 3072;
+// Validation codes of the object-graph store in NSCocoaErrorDomain.
+inline constexpr Integer NSManagedObjectValidationError = 1550;
+inline constexpr Integer NSValidationMultipleErrorsError = 1560;
+inline constexpr Integer NSValidationRelationshipDeniedDeleteError = 1600;
 
 inline constexpr char16_t NSInvalidArgumentException[] = u"NSInvalidArgumentException";
 inline constexpr char16_t NSRangeException[] = u"NSRangeException";
@@ -52,8 +56,20 @@ class Error {
   String localizedFailureReason() const;
   // NSUnderlyingErrorKey, or nil.
   Error underlyingError() const;
-  // "Error Domain=<domain> Code=<code> "<localized description>" UserInfo={...}".
+  // How an error describes itself (in logs, in %@): coreDataErrorDescription for a store's
+  // multiple-validation error (NSCocoaErrorDomain, 1560), standardErrorDescription otherwise.
   String description() const;
+  // "<NSError 0x...>\n", then tab-indented lines: " domain: ..." (left out when the domain is
+  // nil), " code: ...", " userInfo: ...", " localizedDesciption: ..." and " errorName: ...".
+  String standardErrorDescription() const;
+  // The same first four lines; then for code 1560 one line per error under
+  // NSDetailedErrorsKey ("\t detailed error\t error : <description>, <user info>\t
+  // errorName: <name>"), and for any other code "\t errorName:<name>".
+  String coreDataErrorDescription() const;
+  // The symbolic name of a store validation code in NSCocoaErrorDomain
+  // ("NSValidationMultipleErrorsError", ...; "Unknown" for other codes there); the empty
+  // string in any other domain.
+  String errorName() const;
 
   // Same domain, code and user info.
   bool isEqual(const Error& other) const;
