@@ -13,17 +13,19 @@ FLOORS = {
     "platform/system": 2,
     "platform/time": 3,
     "platform/net": 4,
-    "platform": 5,  # foundation.hpp, which includes the whole platform layer
-    "core": 6,
-    "text": 7,
-    "collections": 7,
-    "net": 7,
-    "codec": 7,
-    "time": 7,
-    "runtime": 7,
-    "app": 7,
-    "fs": 8,  # uses text (unique names, affixes)
-    "zip": 8,
+    "platform/store": 5,
+    "platform": 6,  # foundation.hpp, which includes the whole platform layer
+    "core": 7,
+    "text": 8,
+    "collections": 8,
+    "net": 8,
+    "codec": 8,
+    "time": 8,
+    "runtime": 8,
+    "app": 8,
+    "store": 8,
+    "fs": 9,  # uses text (unique names, affixes)
+    "zip": 9,
     "": 100,  # tarnvik.hpp, which includes everything
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s+"tarnvik/([^"]+)"', re.M)

@@ -157,6 +157,7 @@ Value valueForKey(const Value& target, const String& key) {
       break;
   }
   if (const auto object = target.asObject()) {
+    if (auto dynamic = object->valueForDynamicKey(key)) return *std::move(dynamic);
     if (const PropertyInfo* property = object->classInfo().property(key))
       return property->getter(*object);
   }
@@ -179,6 +180,7 @@ void setValueForKey(const Value& object, const Value& value, const String& key) 
     if (object.isNil()) return;
     raiseUndefinedKey(object, key, u"setValue:forUndefinedKey:");
   }
+  if (target->setValueForDynamicKey(key, value)) return;
   const PropertyInfo* property = target->classInfo().property(key);
   if (!property || !property->setter) {
     raiseUndefinedKey(object, key, u"setValue:forUndefinedKey:");

@@ -97,4 +97,7 @@ String Object::description() const {
   return message::build(u"<", className(), u": ", message::Pointer{this}, u">");
 }
 
+std::optional<Value> Object::valueForDynamicKey(const String&) const { return std::nullopt; }
+bool Object::setValueForDynamicKey(const String&, const Value&) { return false; }
+
 }  // namespace tarnvik

@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <type_traits>
 #include <vector>
 
@@ -115,6 +116,12 @@ class Object : public std::enable_shared_from_this<Object> {
   virtual std::size_t hash() const;
   // "<ClassName: 0x...>" unless a subclass says otherwise.
   virtual String description() const;
+
+  // Keys the object answers beyond its registered properties, such as the attributes and
+  // relationships a managed object takes from its entity. Key-value coding asks these first;
+  // nullopt (or false) means "not one of mine".
+  virtual std::optional<Value> valueForDynamicKey(const String& key) const;
+  virtual bool setValueForDynamicKey(const String& key, const Value& value);
 };
 
 // Conversions between member types and Value for registered properties.
