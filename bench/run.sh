@@ -2,7 +2,7 @@
 # Runs every benchmark of a build folder (default: build): the format engine beside
 # snprintf, the per-call costs of the text, date and collection operations, and the
 # scripts that run the same job with the usual tool (sort -V, Python's urllib.parse, md5sum,
-# sha1sum, gzip, xxd, openssl, cp -a, rsync, rm -rf, bsdtar, zip, unzip) and print the
+# sha1sum, gzip, xxd, openssl, cp -a, rsync, rm -rf, bsdtar, zip, unzip, raw SQLite) and print the
 # ratios. CODEC_MIB sets the codec file size
 # (default 256).
 set -euo pipefail
@@ -46,3 +46,5 @@ echo "== zip archives against bsdtar, Info-ZIP and Python's zipfile"
 python3 "$here/zip_compare.py" "$build"
 echo "== the tarnvik tool against cp, md5sum, bsdtar, cat and sort -V"
 python3 "$here/tool_compare.py" "$build"
+echo "== the object-graph store against hand-written SQLite C code"
+"$build/bench/store_bench"

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/raised.hpp"
 #include "support/store_model.hpp"
 #include "tarnvik/platform/base/key_value_coding.hpp"
 
@@ -184,6 +185,9 @@ TEST_F(DeepCopyTest, AttributeCopyRulesAndShallowCopies) {
   EXPECT_EQ(get(parent, u"children").asSet().count(), 2u);
   EXPECT_EQ(relationshipWithName(child, u"nope"), nullptr);
   EXPECT_EQ(ownedRelationships(child).count(), 3u);
+  context->reset();
+  EXPECT_EQ(testing::raised([&] { copyDeepWithZone(child, nullptr, false); }),
+            "NSInvalidArgumentException: copyDeepWithZone: the object is in no context");
 }
 
 TEST(DeepCopyClassTest, NonCopyableRelationshipsStayUnsetOnThatObjectsCopy) {

@@ -11,16 +11,28 @@ Value valueOf(const ManagedObjectRef& object, const String& key) {
   return valueForKey(Value(object), key);
 }
 
+// Copies are made in the source's context; an object without one cannot be copied.
+std::shared_ptr<ManagedObjectContext> contextOf(const ManagedObjectRef& self,
+                                                const char16_t* operation) {
+  auto context = self ? self->managedObjectContext() : nullptr;
+  if (!context) {
+    throw Exception(NSInvalidArgumentException,
+                    String(std::u16string(operation) +
+                           (self ? u": the object is in no context" : u": nil object")));
+  }
+  return context;
+}
+
 }  // namespace
 
 ManagedObjectRef copyDeepWithZone(const ManagedObjectRef& self, const void* zone, bool inverseToOne,
                                   MapTable* copiedObjects) {
   (void)zone;
+  const auto context = contextOf(self, u"copyDeepWithZone");
   MapTable table(NSPointerFunctionsObjectPointerPersonality,
                  NSPointerFunctionsObjectPointerPersonality);
   const Dictionary copies = ownedRelationshipCopiesByObjectID(self);
   auto result = copies.objectForKey(Value(self->objectID())).asObject<ManagedObject>();
-  const auto context = self->managedObjectContext();
   for (const auto& [identifier, copyValue] : copies) {
     const auto member = context->objectWithID(identifier.asObject<ManagedObjectID>());
     const auto copy = copyValue.asObject<ManagedObject>();
@@ -51,7 +63,7 @@ ManagedObjectRef copyShallowWithZone(const ManagedObjectRef& self, const void* z
 
 ManagedObjectRef copyAttributeWithZone(const ManagedObjectRef& self, const void* zone) {
   (void)zone;
-  const auto context = self->managedObjectContext();
+  const auto context = contextOf(self, u"copyAttributeWithZone");
   auto copy = ManagedObject::initWithEntity(self->entity(), context.get());
   copyAttributesToObject(self, copy, Set(), false, true);
   return copy;

@@ -20,9 +20,8 @@ std::shared_ptr<Predicate> nilComparison(const ComparisonPredicate& p, Predicate
 std::shared_ptr<ManagedObject> anyObjectForEntityNamed(ManagedObjectContext& context,
                                                        const String& entityName, const String& key,
                                                        const Value& value) {
-  FetchRequest request;
+  FetchRequest request(entityName);
   request.setFetchLimit(1);
-  request.setEntity(EntityDescription::entityForName(entityName, context));
   if (!key.isNil()) request.setPredicate(equality(key, value));
   Error error;
   const Array results = context.executeFetchRequest(request, &error);
@@ -41,8 +40,7 @@ Array objectsForEntityNamedMatchingValuesForKeysPredicateType(ManagedObjectConte
                                                               const Array& values,
                                                               const Array& keys,
                                                               UInteger predicateType) {
-  FetchRequest request;
-  request.setEntity(EntityDescription::entityForName(entityName, context));
+  FetchRequest request(entityName);
   if (!values.isNil() && !keys.isNil()) {
     std::vector<std::shared_ptr<Predicate>> parts;
     parts.reserve(values.count());

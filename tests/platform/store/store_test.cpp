@@ -188,6 +188,17 @@ TEST(StoreTest, DeleteRulesNullifyCascadeAndDeny) {
   EXPECT_EQ(error.errorName().utf8(), "NSValidationRelationshipDeniedDeleteError");
   EXPECT_TRUE(tag->isDeleted());
   EXPECT_EQ(fetch(*context, u"Tag").count(), 0u);  // the unsaved deletion is merged in
+
+  // Two problems at once come as one error listing both.
+  set(kept, u"frames", u"many");
+  EXPECT_FALSE(context->save(&error));
+  EXPECT_EQ(error.code(), NSValidationMultipleErrorsError);
+  EXPECT_EQ(error.userInfo().objectForKey(NSDetailedErrorsKey).asArray().count(), 2u);
+  const std::string text = error.description().utf8();
+  EXPECT_NE(text.find("}\t errorName: NSValidationRelationshipDeniedDeleteError\n"),
+            std::string::npos);
+  EXPECT_NE(text.find("}\t errorName: NSManagedObjectValidationError\n"), std::string::npos);
+  set(kept, u"frames", 12);
   context->deleteObject(kept);
   ASSERT_TRUE(context->save(&error)) << error.description().utf8();
 }

@@ -11,26 +11,8 @@ TARNVIK_DEFINE_CLASS(ManagedObjectContext, Object, (void)c)
 
 namespace {
 
-inline constexpr char16_t NSValidationObjectErrorKey[] = u"NSValidationErrorObject";
-inline constexpr char16_t NSValidationKeyErrorKey[] = u"NSValidationErrorKey";
-inline constexpr char16_t NSValidationValueErrorKey[] = u"NSValidationErrorValue";
-
 void setError(Error* error, const Error& value) {
   if (error) *error = value;
-}
-
-bool valueFits(AttributeType type, const Value& value) {
-  if (value.isNil()) return true;
-  switch (type) {
-    case AttributeType::String:
-      return value.isString();
-    case AttributeType::Date:
-      return value.kind() == Value::Kind::Date;
-    case AttributeType::Binary:
-      return value.kind() == Value::Kind::Data;
-    default:
-      return value.isNumber();
-  }
 }
 
 }  // namespace
@@ -195,6 +177,8 @@ std::shared_ptr<ManagedObject> ManagedObjectContext::objectWithID(
   const auto found = registered_.find(keyOf(*objectID));
   if (found != registered_.end()) return found->second;
   if (objectID->isTemporaryID()) return nullptr;
+  const auto store = coordinator_ ? coordinator_->persistentStore() : nullptr;
+  if (!store || objectID->storeIdentifier() != store->identifier()) return nullptr;
   const EntityDescription* entity =
       coordinator_->managedObjectModel()->entityNamed(objectID->entity().name());
   return entity ? faultFor(*entity, objectID->primaryKey()) : nullptr;
@@ -301,7 +285,7 @@ bool ManagedObjectContext::validateForSave(Error* error) const {
     } else if (object->state_ != ManagedObject::State::InsertedDeleted) {
       for (const auto& a : entity.attributes()) {
         const Value& value = object->attributes_[a->index()];
-        if (valueFits(a->attributeType(), value)) continue;
+        if (a->acceptsValue(value)) continue;
         errors.addObject(
             Error(NSCocoaErrorDomain, NSManagedObjectValidationError,
                   Dictionary{{NSValidationObjectErrorKey, Value(object)},

@@ -22,6 +22,11 @@
 
 namespace tarnvik {
 
+// What a validation error of a save names: the object, the key and the refused value.
+inline constexpr char16_t NSValidationObjectErrorKey[] = u"NSValidationErrorObject";
+inline constexpr char16_t NSValidationKeyErrorKey[] = u"NSValidationErrorKey";
+inline constexpr char16_t NSValidationValueErrorKey[] = u"NSValidationErrorValue";
+
 class FetchRequest {
  public:
   FetchRequest() = default;

@@ -64,6 +64,20 @@ Value sharedValue(const ManagedObjectModel& model, const T* description) {
 
 }  // namespace
 
+bool AttributeDescription::acceptsValue(const Value& value) const {
+  if (value.isNil()) return true;
+  switch (type_) {
+    case AttributeType::String:
+      return value.isString();
+    case AttributeType::Date:
+      return value.kind() == Value::Kind::Date;
+    case AttributeType::Binary:
+      return value.kind() == Value::Kind::Data;
+    default:
+      return value.isNumber();
+  }
+}
+
 String AttributeDescription::description() const {
   return message::build(u"(<AttributeDescription ", name(), u">, ", typeName(type_),
                         indexed_ ? u", indexed" : u"", u", default ", defaultValue_.description(),

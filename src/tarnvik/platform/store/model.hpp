@@ -79,6 +79,9 @@ class AttributeDescription : public PropertyDescription {
   const Value& defaultValue() const { return defaultValue_; }
   // Whether the persistent store keeps an index on the attribute.
   bool isIndexed() const { return indexed_; }
+  // Whether the value may be stored in the attribute: nil, or a value of the attribute's kind
+  // (any number for the integer, floating-point and Boolean types).
+  bool acceptsValue(const Value& value) const;
   String description() const override;
 
  private:

@@ -86,7 +86,18 @@ class Parser {
     return CompoundPredicate::andPredicateWithSubpredicates(std::move(parts));
   }
 
+  // Nesting is limited, so that a hostile format cannot exhaust the stack.
+  struct Nested {
+    explicit Nested(Parser& p) : parser(p) {
+      if (++parser.depth_ > kMaxDepth) parser.fail(u"the format is nested too deeply");
+    }
+    ~Nested() { --parser.depth_; }
+    Parser& parser;
+  };
+  static constexpr int kMaxDepth = 200;
+
   std::shared_ptr<Predicate> notPredicate() {
+    const Nested nested(*this);
     skipBlanks();
     if (takeWord(u"NOT") || (f_.substr(at_, 2) != u"!=" && take(u"!")))
       return CompoundPredicate::notPredicateWithSubpredicate(notPredicate());
@@ -170,6 +181,7 @@ class Parser {
   }
 
   std::shared_ptr<Expression> unary() {
+    const Nested nested(*this);
     if (take(u"(")) {
       auto e = expression();
       if (!take(u")")) fail(u"missing \")\"");
@@ -299,6 +311,7 @@ class Parser {
   const std::vector<Value>& arguments_;
   std::size_t at_ = 0;
   std::size_t next_ = 0;
+  int depth_ = 0;
 };
 
 }  // namespace

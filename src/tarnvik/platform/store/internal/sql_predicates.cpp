@@ -7,18 +7,11 @@
 namespace tarnvik::sqlite {
 namespace {
 
-// Whether a constant compares in SQL exactly as Value comparison does in memory.
-bool constantFits(AttributeType type, const Value& value) {
-  switch (type) {
-    case AttributeType::String:
-      return value.isString();
-    case AttributeType::Date:
-      return value.kind() == Value::Kind::Date;
-    case AttributeType::Binary:
-      return false;
-    default:
-      return value.isNumber();
-  }
+// Whether a constant compares in SQL exactly as Value comparison does in memory: a value of
+// the attribute's kind, and no data (blobs do not compare as Data does).
+bool constantFits(const AttributeDescription& attribute, const Value& value) {
+  return !value.isNil() && attribute.attributeType() != AttributeType::Binary &&
+         attribute.acceptsValue(value);
 }
 
 const char* sqlOperator(PredicateOperatorType type) {
@@ -102,7 +95,7 @@ bool translateComparison(const ComparisonPredicate& p, const EntityDescription& 
   switch (type) {
     case PredicateOperatorType::EqualTo:
     case PredicateOperatorType::NotEqualTo:
-      if (!nil && !constantFits(attribute->attributeType(), constant)) return false;
+      if (!nil && !constantFits(*attribute, constant)) return false;
       if (type == PredicateOperatorType::EqualTo) {
         // "=" (not IS) keeps the index in play; a NULL column gives false via the guard.
         out.sql = nil ? "(" + column + " IS NULL)"
@@ -118,7 +111,7 @@ bool translateComparison(const ComparisonPredicate& p, const EntityDescription& 
     case PredicateOperatorType::GreaterThanOrEqualTo:
       // Strings order by UTF-16 units in memory, by UTF-8 bytes in SQLite: left to memory.
       if (nil || !constant.isNumber() || attribute->attributeType() == AttributeType::String ||
-          !constantFits(attribute->attributeType(), constant))
+          !constantFits(*attribute, constant))
         return false;
       out.sql = "(" + column + " " + sqlOperator(type) + " ? AND " + column + " IS NOT NULL)";
       out.bindings = {constant};
@@ -144,7 +137,7 @@ bool translateComparison(const ComparisonPredicate& p, const EntityDescription& 
       }
       out.sql = "(" + column + " IN (";
       for (std::size_t i = 0; i < elements.size(); ++i) {
-        if (!constantFits(attribute->attributeType(), elements[i])) return false;
+        if (!constantFits(*attribute, elements[i])) return false;
         out.sql += i ? ",?" : "?";
       }
       out.sql += ") AND " + column + " IS NOT NULL)";
