@@ -14,6 +14,7 @@ FLOORS = {
     "platform/time": 3,
     "platform/net": 4,
     "platform/store": 5,
+    "platform/ui": 5,
     "platform": 6,  # foundation.hpp, which includes the whole platform layer
     "core": 7,
     "text": 8,
@@ -25,6 +26,7 @@ FLOORS = {
     "app": 8,
     "store": 8,
     "fs": 9,  # uses text (unique names, affixes)
+    "ui": 9,  # uses text (hex numbers, regex matches) and collections
     "zip": 9,
     "": 100,  # tarnvik.hpp, which includes everything
 }

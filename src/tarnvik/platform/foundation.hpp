@@ -46,3 +46,8 @@
 #include "tarnvik/platform/text/scanner.hpp"
 #include "tarnvik/platform/time/calendar.hpp"
 #include "tarnvik/platform/time/date_formatter.hpp"
+#include "tarnvik/platform/ui/alert.hpp"
+#include "tarnvik/platform/ui/color.hpp"
+#include "tarnvik/platform/ui/table_view.hpp"
+#include "tarnvik/platform/ui/tree_controller.hpp"
+#include "tarnvik/platform/ui/view.hpp"
