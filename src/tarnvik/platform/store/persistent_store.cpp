@@ -286,7 +286,6 @@ class SQLitePersistentStore : public PersistentStore {
       db_.execute("ROLLBACK", nullptr);
       return false;
     }
-    Error ignored;
     auto* put = db_.cached("INSERT INTO Z_METADATA (Z_KEY, Z_VALUE) VALUES (?, ?)", error);
     if (!put) return false;
     for (const auto& [key, value] :

@@ -215,8 +215,8 @@ class Parser {
 
   std::shared_ptr<Expression> formatArgument() {
     const std::size_t start = at_++;
-    std::u16string spec;
-    while (at_ < f_.size() && (f_[at_] == u'l' || f_[at_] == u'q')) spec.push_back(f_[at_++]);
+    // Length modifiers (l, ll, q) change nothing: arguments arrive as values.
+    while (at_ < f_.size() && (f_[at_] == u'l' || f_[at_] == u'q')) ++at_;
     if (at_ >= f_.size()) fail(u"incomplete format specifier");
     const char16_t conversion = f_[at_++];
     switch (conversion) {

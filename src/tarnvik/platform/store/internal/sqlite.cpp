@@ -71,7 +71,7 @@ Statement* Database::cached(const std::string& sql, Error* error) {
     if (error) *error = lastError();
     return nullptr;
   }
-  return statements_.emplace(sql, std::make_unique<Statement>(db_, statement)).first->second.get();
+  return statements_.emplace(sql, std::make_unique<Statement>(statement)).first->second.get();
 }
 
 Error Database::lastError() const {

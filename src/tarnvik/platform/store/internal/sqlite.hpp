@@ -14,7 +14,7 @@ namespace tarnvik::sqlite {
 
 class Statement {
  public:
-  Statement(sqlite3* db, sqlite3_stmt* statement) : db_(db), statement_(statement) {}
+  explicit Statement(sqlite3_stmt* statement) : statement_(statement) {}
   ~Statement() { sqlite3_finalize(statement_); }
   Statement(const Statement&) = delete;
   Statement& operator=(const Statement&) = delete;
@@ -33,7 +33,6 @@ class Statement {
   int step() { return sqlite3_step(statement_); }
 
  private:
-  sqlite3* db_;
   sqlite3_stmt* statement_;
 };
 
