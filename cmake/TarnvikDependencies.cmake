@@ -11,3 +11,11 @@ find_package(OpenSSL 3 REQUIRED COMPONENTS Crypto)
 find_package(ZLIB REQUIRED)
 find_package(SQLite3 REQUIRED)
 find_package(uriparser 0.9 CONFIG REQUIRED char)
+
+# Qt 6 Widgets, for the optional adapter only; without it everything else builds as before.
+find_package(Qt6 6.2 QUIET COMPONENTS Widgets)
+if(Qt6Widgets_FOUND)
+  set(TARNVIK_WITH_QT ON)
+else()
+  set(TARNVIK_WITH_QT OFF)
+endif()

@@ -1,5 +1,7 @@
 # The umbrella target, the CMake package and the pkg-config file.
 get_property(tarnvik_components GLOBAL PROPERTY TARNVIK_COMPONENTS)
+# The Qt adapter is optional and separate: the umbrella and pkg-config never pull in Qt.
+list(REMOVE_ITEM tarnvik_components tarnvik_qt)
 add_library(tarnvik_tarnvik INTERFACE)
 add_library(tarnvik::tarnvik ALIAS tarnvik_tarnvik)
 set_target_properties(tarnvik_tarnvik PROPERTIES EXPORT_NAME tarnvik)

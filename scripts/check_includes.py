@@ -27,6 +27,7 @@ FLOORS = {
     "store": 8,
     "fs": 9,  # uses text (unique names, affixes)
     "ui": 9,  # uses text (hex numbers, regex matches) and collections
+    "qt": 10,  # the optional Qt adapter, on ui
     "zip": 9,
     "": 100,  # tarnvik.hpp, which includes everything
 }

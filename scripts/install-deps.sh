@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(build-essential cmake pkg-config ccache openssl gzip xxd python3 rsync time
           libicu-dev libplist-dev libssl-dev zlib1g-dev liburiparser-dev libminizip-dev libdeflate-dev libxxhash-dev libsqlite3-dev
           zip unzip libarchive-tools libcli11-dev nlohmann-json3-dev xxhash help2man
-          libgtest-dev libgmock-dev libbenchmark-dev libavutil-dev)
+          libgtest-dev libgmock-dev libbenchmark-dev libavutil-dev qt6-base-dev)
 if [ "${1:-}" = "--fuzz" ]; then
   packages+=(clang libclang-rt-dev)
 fi

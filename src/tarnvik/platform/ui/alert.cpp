@@ -28,12 +28,27 @@ std::shared_ptr<AlertPresenter>& installedPresenter() {
   return presenter;
 }
 
+std::function<void()>& wakeUpHook() {
+  static std::function<void()> hook;
+  return hook;
+}
+
 }  // namespace
 
 void MainQueue::async(std::function<void()> task) {
   if (!task) return;
+  std::function<void()> wakeUp;
+  {
+    const std::lock_guard lock(queueLock);
+    queue().push_back(std::move(task));
+    wakeUp = wakeUpHook();
+  }
+  if (wakeUp) wakeUp();
+}
+
+void MainQueue::setWakeUp(std::function<void()> wakeUp) {
   const std::lock_guard lock(queueLock);
-  queue().push_back(std::move(task));
+  wakeUpHook() = std::move(wakeUp);
 }
 
 std::size_t MainQueue::drain() {

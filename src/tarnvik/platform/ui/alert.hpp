@@ -31,7 +31,11 @@ inline constexpr Integer NSAlertOtherReturn = -1;
 // The work a desktop host runs on its main thread: tasks are queued by anyone and run, in
 // order, when the host drains the queue from its event loop.
 struct MainQueue {
+  // Queues the task and calls the wake-up hook, if one is installed.
   static void async(std::function<void()> task);
+  // Called (from the queuing thread) whenever a task is queued, so that an event loop can
+  // schedule a drain; nullptr removes it.
+  static void setWakeUp(std::function<void()> wakeUp);
   // Runs what is queued, including tasks queued meanwhile; returns how many ran.
   static std::size_t drain();
   static std::size_t pending();
