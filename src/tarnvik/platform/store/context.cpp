@@ -44,7 +44,7 @@ std::shared_ptr<PersistentStore> ManagedObjectContext::store(Error* error) const
 }
 
 void ManagedObjectContext::registerObject(const std::shared_ptr<ManagedObject>& object) {
-  registered_[keyOf(*object->objectID_)] = object;
+  registered_[keyOf(*object)] = object;
 }
 
 void ManagedObjectContext::noteChanged(ManagedObject& object) {
@@ -63,7 +63,7 @@ void ManagedObjectContext::insertObject(const std::shared_ptr<ManagedObject>& ob
   }
   object->context_ = std::static_pointer_cast<ManagedObjectContext>(shared_from_this());
   object->state_ = ManagedObject::State::Inserted;
-  registerObject(object);
+  if (!object->temporary_) registerObject(object);
   noteChanged(*object);
 }
 
@@ -101,17 +101,19 @@ std::shared_ptr<ManagedObject> ManagedObjectContext::registered(const EntityDesc
 
 std::shared_ptr<ManagedObject> ManagedObjectContext::faultFor(const EntityDescription& entity,
                                                               std::int64_t key) {
-  if (auto object = registered(entity, key)) return object;
+  auto [slot, added] = registered_.try_emplace(Key{&entity, key, false});
+  if (!added) return slot->second;
   auto store = coordinator_ ? coordinator_->persistentStore() : nullptr;
   std::shared_ptr<ManagedObject> object = entity.instantiate();
   object->entity_ = entity.shared();
-  object->objectID_ = std::make_shared<ManagedObjectID>(
-      object->entity_, store ? store->identifier() : String(), key, false);
+  object->key_ = key;
+  object->temporary_ = false;
+  if (store) object->storeIdentifier_ = store->identifier();
   object->attributes_.resize(entity.attributes().size());
   object->related_.resize(entity.relationships().size());
   object->fault_ = true;
   object->context_ = std::static_pointer_cast<ManagedObjectContext>(shared_from_this());
-  registerObject(object);
+  slot->second = object;
   return object;
 }
 
@@ -138,31 +140,29 @@ void ManagedObjectContext::fireFault(const ManagedObject& object) {
   StoreRow row;
   bool found = false;
   auto store = this->store(&error);
-  if (store &&
-      store->loadRow(object.entity(), object.objectID_->primaryKey(), row, found, &error) &&
-      found) {
+  if (store && store->loadRow(object.entity(), object.key_, row, found, &error) && found) {
     fill(const_cast<ManagedObject&>(object), std::move(row));
     return;
   }
   throw Exception(
       u"NSObjectInaccessibleException",
       message::build(u"ManagedObjectContext: could not fulfil a fault for ",
-                     object.objectID_->URIRepresentation().absoluteString(),
+                     object.objectID()->URIRepresentation().absoluteString(),
                      found || error.isNil() ? String(u": no such row")
                                             : message::build(u": ", error.localizedDescription())));
 }
 
 void ManagedObjectContext::loadToMany(const ManagedObject& object,
                                       const RelationshipDescription& relationship) {
-  if (object.objectID_->isTemporaryID()) return;
+  if (object.temporary_) return;
   Error error;
   std::vector<std::int64_t> keys;
   auto store = this->store(&error);
-  if (!store || !store->loadToMany(relationship, object.objectID_->primaryKey(), keys, &error)) {
+  if (!store || !store->loadToMany(relationship, object.key_, keys, &error)) {
     throw Exception(u"NSObjectInaccessibleException",
                     message::build(u"ManagedObjectContext: could not read the relationship '",
                                    relationship.name(), u"' of ",
-                                   object.objectID_->URIRepresentation().absoluteString(), u": ",
+                                   object.objectID()->URIRepresentation().absoluteString(), u": ",
                                    error.localizedDescription()));
   }
   auto& members = object.related_[relationship.index()].members;
@@ -174,9 +174,12 @@ void ManagedObjectContext::loadToMany(const ManagedObject& object,
 std::shared_ptr<ManagedObject> ManagedObjectContext::objectWithID(
     const std::shared_ptr<ManagedObjectID>& objectID) {
   if (!objectID) return nullptr;
+  if (objectID->isTemporaryID()) {
+    auto object = objectID->object_.lock();
+    return object && object->context_.lock().get() == this ? object : nullptr;
+  }
   const auto found = registered_.find(keyOf(*objectID));
   if (found != registered_.end()) return found->second;
-  if (objectID->isTemporaryID()) return nullptr;
   const auto store = coordinator_ ? coordinator_->persistentStore() : nullptr;
   if (!store || objectID->storeIdentifier() != store->identifier()) return nullptr;
   const EntityDescription* entity =
@@ -218,7 +221,7 @@ bool ManagedObjectContext::obtainPermanentIDsForObjects(const Array& objects, Er
   std::vector<std::shared_ptr<ManagedObject>> pending;
   for (const Value& element : objects) {
     auto object = std::dynamic_pointer_cast<ManagedObject>(element.asObject());
-    if (object && object->objectID_->isTemporaryID()) pending.push_back(std::move(object));
+    if (object && object->temporary_) pending.push_back(std::move(object));
   }
   if (pending.empty()) return true;
   auto store = this->store(error);
@@ -233,12 +236,21 @@ bool ManagedObjectContext::obtainPermanentIDsForObjects(const Array& objects, Er
     std::int64_t key = store->reservePrimaryKeys(pending[i]->entity(), j - i);
     for (; i < j; ++i) {
       ManagedObject& object = *pending[i];
-      object.objectID_ =
-          std::make_shared<ManagedObjectID>(object.entity_, store->identifier(), key++, false);
+      object.key_ = key++;
+      object.temporary_ = false;
+      object.storeIdentifier_ = store->identifier();
+      object.objectID_.reset();  // the permanent identifier is made when asked for
       registerObject(pending[i]);
     }
   }
   return true;
+}
+
+std::size_t ManagedObjectContext::registeredObjectCount() const {
+  std::size_t count = registered_.size();
+  for (const auto& o : changed_)
+    if (o->temporary_) ++count;
+  return count;
 }
 
 Set ManagedObjectContext::insertedObjects() const {
@@ -324,21 +336,20 @@ bool ManagedObjectContext::save(Error* error) {
   StoreChanges changes;
   const auto write = [](const ManagedObject& object, bool all) {
     const EntityDescription& entity = object.entity();
-    StoreWrite w{&entity, object.objectID_->primaryKey(), &object.attributes_, {}, {}};
+    StoreWrite w{&entity, object.key_, &object.attributes_, {}, {}};
     w.toOne.assign(entity.relationships().size(), 0);
     for (const auto& r : entity.relationships()) {
       const ManagedObject::Related& related = object.related_[r->index()];
       if (!r->isToMany()) {
         if (auto target = related.members.empty() ? nullptr : related.members.front().lock())
-          w.toOne[r->index()] = target->objectID_->primaryKey();
+          w.toOne[r->index()] = target->key_;
         continue;
       }
       if (!all && !related.changed) continue;
       std::vector<std::int64_t> keys;
       keys.reserve(related.members.size());
       for (const auto& weak : related.members)
-        if (auto m = weak.lock(); m && !m->objectID_->isTemporaryID())
-          keys.push_back(m->objectID_->primaryKey());
+        if (auto m = weak.lock(); m && !m->temporary_) keys.push_back(m->key_);
       w.toMany.emplace_back(r.get(), std::move(keys));
     }
     return w;
@@ -352,7 +363,7 @@ bool ManagedObjectContext::save(Error* error) {
         if (!o->fault_) changes.updated.push_back(write(*o, false));
         break;
       case ManagedObject::State::Deleted:
-        changes.deleted.emplace_back(&o->entity(), o->objectID_->primaryKey());
+        changes.deleted.emplace_back(&o->entity(), o->key_);
         break;
       default:
         break;
@@ -363,8 +374,7 @@ bool ManagedObjectContext::save(Error* error) {
   for (const auto& o : changed_) {
     o->listed_ = false;
     if (o->isDeleted()) {
-      registered_.erase(keyOf(*o->objectID_));
-      if (o->temporaryID_) registered_.erase(keyOf(*o->temporaryID_));
+      registered_.erase(keyOf(*o));
       o->context_.reset();
       continue;
     }
@@ -426,6 +436,7 @@ Array ManagedObjectContext::executeFetchRequest(const FetchRequest& request, Err
 
 void ManagedObjectContext::reset() {
   for (auto& [key, object] : registered_) object->context_.reset();
+  for (auto& object : changed_) object->context_.reset();
   registered_.clear();
   for (auto& o : changed_) o->listed_ = false;
   changed_.clear();

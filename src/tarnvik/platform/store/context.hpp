@@ -87,7 +87,8 @@ class ManagedObjectContext : public Object {
   Set updatedObjects() const;
   Set deletedObjects() const;
   bool hasChanges() const { return !changed_.empty(); }
-  std::size_t registeredObjectCount() const { return registered_.size(); }
+  // The objects the context knows: those with permanent identifiers and the new ones.
+  std::size_t registeredObjectCount() const;
 
   // Validates (deny rules, attribute types), then writes every change in one transaction. On
   // failure the store is as it was, the error says why (NSCocoaErrorDomain: 1560 with
@@ -118,6 +119,9 @@ class ManagedObjectContext : public Object {
   };
   static Key keyOf(const ManagedObjectID& id) {
     return {&id.entity(), id.primaryKey(), id.isTemporaryID()};
+  }
+  static Key keyOf(const ManagedObject& object) {
+    return {&object.entity(), object.key_, object.temporary_};
   }
   void registerObject(const std::shared_ptr<ManagedObject>& object);
   void noteChanged(ManagedObject& object);

@@ -71,9 +71,16 @@ std::shared_ptr<ManagedObject> ManagedObject::initWithEntity(const EntityDescrip
   object->related_.resize(entity.relationships().size());
   object->objectID_ =
       std::make_shared<ManagedObjectID>(object->entity_, String(), ++temporarySerial, true);
-  object->temporaryID_ = object->objectID_;
+  object->objectID_->object_ = object;
+  object->key_ = object->objectID_->primaryKey();
   if (context) context->insertObject(object);
   return object;
+}
+
+std::shared_ptr<ManagedObjectID> ManagedObject::objectID() const {
+  if (!objectID_ && entity_)
+    objectID_ = std::make_shared<ManagedObjectID>(entity_, storeIdentifier_, key_, temporary_);
+  return objectID_;
 }
 
 void ManagedObject::fire() const {
@@ -82,7 +89,7 @@ void ManagedObject::fire() const {
   if (!context) {
     throw Exception(u"NSObjectInaccessibleException",
                     message::build(u"ManagedObject: the context of the fault ",
-                                   objectID_->description(), u" is gone"));
+                                   objectID()->description(), u" is gone"));
   }
   context->fireFault(*this);
 }
@@ -300,7 +307,7 @@ bool ManagedObject::setValueForDynamicKey(const String& key, const Value& value)
 String ManagedObject::description() const {
   return message::build(u"<", className(), u": ", message::Pointer{this}, u"> (entity: ",
                         entity_ ? entity_->name() : String(u"none"), u"; id: ",
-                        objectID_ ? objectID_->URIRepresentation().absoluteString() : String(),
+                        entity_ ? objectID()->URIRepresentation().absoluteString() : String(),
                         fault_ ? u"; data: <fault>)" : u")");
 }
 

@@ -46,10 +46,15 @@ class ManagedObjectID : public Object {
   String description() const override;
 
  private:
+  friend class ManagedObject;
+  friend class ManagedObjectContext;
   std::shared_ptr<const EntityDescription> entity_;
   String store_;
   std::int64_t key_;
   bool temporary_;
+  // A temporary identifier knows its object: only its context's change list holds new objects,
+  // so they need no entry in the registry.
+  std::weak_ptr<ManagedObject> object_;
   TARNVIK_CLASS(ManagedObjectID)
 };
 
@@ -61,7 +66,7 @@ class ManagedObject : public Object {
                                                        ManagedObjectContext* context);
 
   const EntityDescription& entity() const { return *entity_; }
-  std::shared_ptr<ManagedObjectID> objectID() const { return objectID_; }
+  std::shared_ptr<ManagedObjectID> objectID() const;
   // nullptr once the object was removed from its context or the context is gone.
   std::shared_ptr<ManagedObjectContext> managedObjectContext() const { return context_.lock(); }
   bool isInserted() const { return state_ == State::Inserted; }
@@ -104,8 +109,12 @@ class ManagedObject : public Object {
 
   std::shared_ptr<const EntityDescription> entity_;
   std::weak_ptr<ManagedObjectContext> context_;
-  std::shared_ptr<ManagedObjectID> objectID_;
-  std::shared_ptr<ManagedObjectID> temporaryID_;  // kept after it became permanent
+  // The identity: the primary key once permanent (the identifier object itself is made when
+  // first asked for, as fetched objects rarely need it), else the temporary identifier.
+  std::int64_t key_ = 0;
+  bool temporary_ = true;
+  String storeIdentifier_;
+  mutable std::shared_ptr<ManagedObjectID> objectID_;
   mutable std::vector<Value> attributes_;
   mutable std::vector<Related> related_;
   mutable bool fault_ = false;
