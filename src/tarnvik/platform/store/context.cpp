@@ -93,12 +93,6 @@ void ManagedObjectContext::deleteObject(const std::shared_ptr<ManagedObject>& ob
   }
 }
 
-std::shared_ptr<ManagedObject> ManagedObjectContext::registered(const EntityDescription& entity,
-                                                                std::int64_t key) {
-  const auto found = registered_.find(Key{&entity, key, false});
-  return found == registered_.end() ? nullptr : found->second;
-}
-
 std::shared_ptr<ManagedObject> ManagedObjectContext::faultFor(const EntityDescription& entity,
                                                               std::int64_t key) {
   auto [slot, added] = registered_.try_emplace(Key{&entity, key, false});
@@ -123,6 +117,7 @@ void ManagedObjectContext::fill(ManagedObject& object, StoreRow&& row) {
   for (const auto& r : entity.relationships()) {
     ManagedObject::Related& related = object.related_[r->index()];
     related.members.clear();
+    related.index.clear();
     related.changed = false;
     if (r->isToMany()) {
       related.loaded = false;
@@ -165,6 +160,7 @@ void ManagedObjectContext::loadToMany(const ManagedObject& object,
                                    object.objectID()->URIRepresentation().absoluteString(), u": ",
                                    error.localizedDescription()));
   }
+  object.related_[relationship.index()].index.clear();
   auto& members = object.related_[relationship.index()].members;
   members.clear();
   members.reserve(keys.size());

@@ -125,7 +125,6 @@ class ManagedObjectContext : public Object {
   }
   void registerObject(const std::shared_ptr<ManagedObject>& object);
   void noteChanged(ManagedObject& object);
-  std::shared_ptr<ManagedObject> registered(const EntityDescription& entity, std::int64_t key);
   std::shared_ptr<ManagedObject> faultFor(const EntityDescription& entity, std::int64_t key);
   void fill(ManagedObject& object, StoreRow&& row);
   void fireFault(const ManagedObject& object);

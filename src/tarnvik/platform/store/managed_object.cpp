@@ -131,14 +131,12 @@ void ManagedObject::addMember(const RelationshipDescription& r, ManagedObject& m
   if (!r.isToMany()) {
     rel.members.assign(1, std::static_pointer_cast<ManagedObject>(member.shared_from_this()));
   } else {
-    if (memberIndex_.size() <= r.index()) memberIndex_.resize(related_.size());
-    auto& index = memberIndex_[r.index()];
-    if (index.empty() && rel.members.size() >= kIndexedMembers) {
+    if (rel.index.empty() && rel.members.size() >= kIndexedMembers) {
       for (const auto& weak : rel.members)
-        if (auto m = weak.lock()) index.insert(m.get());
+        if (auto m = weak.lock()) rel.index.insert(m.get());
     }
-    if (!index.empty() || rel.members.size() >= kIndexedMembers) {
-      if (!index.insert(&member).second) return;
+    if (!rel.index.empty()) {
+      if (!rel.index.insert(&member).second) return;
     } else {
       for (const auto& weak : rel.members)
         if (weak.lock().get() == &member) return;
@@ -155,7 +153,7 @@ void ManagedObject::removeMember(const RelationshipDescription& r, const Managed
                                [&](const auto& weak) { return weak.lock().get() == &member; });
   if (at == rel.members.end()) return;
   rel.members.erase(at);
-  if (memberIndex_.size() > r.index()) memberIndex_[r.index()].erase(&member);
+  rel.index.erase(&member);
   rel.changed = true;
   touch();
 }
@@ -164,7 +162,7 @@ void ManagedObject::setMembers(const RelationshipDescription& r,
                                const std::vector<std::shared_ptr<ManagedObject>>& members) {
   Related& rel = mutableRelated(r);
   rel.members.assign(members.begin(), members.end());
-  if (memberIndex_.size() > r.index()) memberIndex_[r.index()].clear();
+  rel.index.clear();
   rel.changed = true;
   touch();
 }

@@ -95,6 +95,8 @@ class ManagedObject : public Object {
     std::vector<std::weak_ptr<ManagedObject>> members;
     bool loaded = true;
     bool changed = false;
+    // Member lookup for large to-many relationships, built on demand.
+    std::unordered_set<const ManagedObject*> index;
   };
 
   void fire() const;
@@ -120,8 +122,6 @@ class ManagedObject : public Object {
   mutable bool fault_ = false;
   State state_ = State::Saved;
   bool listed_ = false;  // in the context's list of changed objects
-  // Member lookup for large to-many relationships, built on demand.
-  mutable std::vector<std::unordered_set<const ManagedObject*>> memberIndex_;
   TARNVIK_CLASS(ManagedObject)
 };
 
