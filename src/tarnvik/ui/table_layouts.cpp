@@ -54,15 +54,15 @@ Array ke_allAndNoneLayoutsWithHideableColumns(const TableView& table,
 
 ComparisonResult compareByAutosavedIndex(const Dictionary& record, const Dictionary& other) {
   const auto index = [](const Dictionary& d) {
-    const Value v = d.isNil() ? Value() : d.objectForKey(kAutosavedColumnIndexKey);
+    const Value v = d.objectForKey(kAutosavedColumnIndexKey);
     return v.isNumber() ? v : Value(0);
   };
   return index(record).compare(index(other));
 }
 
 void ke_adjustLayoutForAutosavedDictionary(TableView& table, const Dictionary& layout) {
-  const Value version = layout.isNil() ? Value() : layout.objectForKey(kAutosavedVersionKey);
-  const Value columnsValue = layout.isNil() ? Value() : layout.objectForKey(kAutosavedColumnsKey);
+  const Value version = layout.objectForKey(kAutosavedVersionKey);
+  const Value columnsValue = layout.objectForKey(kAutosavedColumnsKey);
   if (!version.isString() || version.asString() != String(kAutosavedVersionValue) ||
       columnsValue.isNil()) {
     throw Exception(NSInvalidArgumentException, u"invalid table restoration dictionary given");
@@ -95,7 +95,7 @@ void ke_adjustLayoutForAutosavedDictionary(TableView& table, const Dictionary& l
     const Integer position = table.columnWithIdentifier(identifier);
     if (position < 0) continue;
     const Dictionary record = recordOf(identifier);
-    const Value index = record.isNil() ? Value() : record.objectForKey(kAutosavedColumnIndexKey);
+    const Value index = record.objectForKey(kAutosavedColumnIndexKey);
     const UInteger target =
         std::min<UInteger>(index.unsignedIntegerValue(), static_cast<UInteger>(count - 1));
     table.moveColumn(position, static_cast<Integer>(target));
@@ -103,7 +103,7 @@ void ke_adjustLayoutForAutosavedDictionary(TableView& table, const Dictionary& l
       // With resizing off, neighbouring columns do not absorb the change.
       const UInteger mask = column->resizingMask();
       column->setResizingMask(NSTableColumnNoResizing);
-      const Value width = record.isNil() ? Value() : record.objectForKey(kAutosavedColumnWidthKey);
+      const Value width = record.objectForKey(kAutosavedColumnWidthKey);
       column->setWidth(width.floatValue());
       column->setResizingMask(mask);
     }
@@ -112,7 +112,7 @@ void ke_adjustLayoutForAutosavedDictionary(TableView& table, const Dictionary& l
     const auto column = table.tableColumnWithIdentifier(identifier);
     if (!column) continue;
     const Dictionary record = recordOf(identifier);
-    const Value hidden = record.isNil() ? Value() : record.objectForKey(kAutosavedColumnHiddenKey);
+    const Value hidden = record.objectForKey(kAutosavedColumnHiddenKey);
     // A record without a "hidden" entry hides its column.
     column->setHidden(hidden.isNil() || hidden.boolValue());
   }

@@ -488,8 +488,7 @@ std::shared_ptr<PersistentStore> PersistentStoreCoordinator::addPersistentStoreW
   }
   if (!memory && (path.isNil() || path.length() == 0))
     return refuse(NSPersistentStoreOpenError, u"An SQLite store needs a file path.");
-  const bool readOnly =
-      !options.isNil() && options.objectForKey(NSReadOnlyPersistentStoreOption).boolValue();
+  const bool readOnly = options.objectForKey(NSReadOnlyPersistentStoreOption).boolValue();
   auto store = std::make_shared<SQLitePersistentStore>(model_, type, memory ? String() : path,
                                                        readOnly && !memory);
   if (!store->open(error)) return nullptr;

@@ -155,7 +155,7 @@ class VisualFormat {
     const auto [trailMargin, trailPriority] = spacing();
     expect(u"|");
     if (at_ != text_.size()) fail();
-    const auto view = views_.isNil() ? nullptr : views_.objectForKey(name).asObject<View>();
+    const auto view = views_.objectForKey(name).asObject<View>();
     const auto superview = view ? view->superview() : nullptr;
     if (!view) fail();
     const LayoutAttribute lead = vertical ? LayoutAttribute::Top : LayoutAttribute::Leading;
@@ -187,7 +187,7 @@ class VisualFormat {
       ++at_;
     const String word(text_.substr(start, at_ - start));
     if (word.length() == 0) fail();
-    const Value metric = metrics_.isNil() ? Value() : metrics_.objectForKey(word);
+    const Value metric = metrics_.objectForKey(word);
     if (metric.isNumber()) return metric.doubleValue();
     const std::string ascii = word.utf8();
     char* end = nullptr;
